@@ -1,0 +1,26 @@
+// The table of Subversion entry points that a backend hands to Tessera.
+//
+// Tessera never links Subversion. Every call into Subversion or APR goes
+// through the table of the backend on top of the calling thread's backend
+// stack (see LuSVNBundleStack.h). The slot numbers are a fixed contract
+// between the library and all its backends: a slot keeps its number and its
+// signature in every backend. A null slot means that the backend's release
+// lacks the function; slots 0, 1, 2, 10, 74 and 101 are unused.
+//
+// The signature of every slot is the one of the Subversion or APR function
+// that the slot is named after, in the release that introduced it; the
+// numbering is listed in docs/entry-points.md.
+#pragma once
+
+#include <cstddef>
+
+/// One untyped function pointer; cast to the slot's real signature to call it.
+using LuSVNEntryPoint = void (*)();
+
+/// Number of slots in every table.
+inline constexpr std::size_t LuSVNEntryPointCount = 127;
+
+/// The table itself: read-only once the backend made it, alive for the process.
+struct LuSVNBundleEntryPoints {
+    LuSVNEntryPoint slots[LuSVNEntryPointCount];
+};
