@@ -1,0 +1,23 @@
+#include "LuSVNEntryPoints+Typed.h"
+
+#include <tessera/LuSVNBundleStack.h>
+#include <tessera/LuSVNException.h>
+#include <tessera/LuSVNPlatformExceptions.h>
+
+LuSVNEntryPoint tessera_private::LuSVNCurrentEntryPoint(int number, const char* name)
+{
+    const std::shared_ptr<LuSVNBundleProxy>& backend = LuSVNBundleCurrent();
+    if (!backend)
+        throw LuSVNException("No Subversion backend is available for this call");
+    const LuSVNEntryPoint entry = backend->entryPoints()->slots[number];
+    if (!entry)
+        throw LuSVNInternalInconsistencyException("Backend " + backend->description() + " lacks entry point " +
+                                                  std::to_string(number) + " (" + name + ")");
+    return entry;
+}
+
+bool tessera_private::LuSVNCurrentHasEntryPoint(int number)
+{
+    const std::shared_ptr<LuSVNBundleProxy>& backend = LuSVNBundleCurrent();
+    return backend && backend->entryPoints()->slots[number] != nullptr;
+}

@@ -1,0 +1,101 @@
+#include <tessera/LuSVNBundleLoader.h>
+#include <tessera/LuSVNException.h>
+#include <tessera/LuSVNNode.h>
+
+#include <filesystem>
+
+#include "LuSVNAssert.h"
+#include "LuSVNBackendFrame.h"
+#include "LuSVNTrace.h"
+
+namespace {
+
+// Subversion's internal form of a local path, allocated in the pool; older
+// backends lack the dirent form and use the generic one.
+const char* internalStyle(const std::string& path, apr_pool_t* pool)
+{
+    const std::string absolute = std::filesystem::absolute(path).lexically_normal().string();
+    const char* text = absolute.c_str();
+    if (tessera_private::LuSVNCurrentHasEntryPoint(28))
+        return LuSVNEntry<28>()(text, pool);
+    return LuSVNEntry<26>()(text, pool);
+}
+
+std::string displayLastComponent(const std::string& path)
+{
+    std::filesystem::path normal = std::filesystem::path(path).lexically_normal();
+    if (!normal.has_filename() && normal.has_parent_path() && normal != normal.root_path())
+        normal = normal.parent_path();
+    const std::string name = normal.filename().string();
+    return name.empty() ? normal.string() : name;
+}
+
+}  // namespace
+
+int LuSVNNode::formatVersionForWorkingCopyAtPath(const std::string& path,
+                                                 const std::shared_ptr<LuSVNBundleProxy>& bundle)
+{
+    LUSVN_TRACE("LuSVNNode", "formatVersionForWorkingCopyAtPath:withBundle",
+                {"path", path}, {"bundle", bundle ? bundle->description() : "(null)"});
+    LuSVNBackendFrame frame(bundle);
+    int format = 0;
+    svn_error_t* error = LuSVNEntry<99>()(internalStyle(path, frame.pool()), &format, frame.pool());
+    if (!error)
+        return format;
+    switch (error->apr_err) {
+    case 2: {
+        LuSVNNoSuchEntryException missing(error);
+        LuSVNEntry<30>()(error);
+        throw missing;
+    }
+    case 155021:
+        LuSVNEntry<30>()(error);
+        return format;
+    default:
+        LuSVNThrowIfError(error);
+        return format;
+    }
+}
+
+int LuSVNNode::formatVersionForWorkingCopyAtPath(const std::string& path)
+{
+    auto loader = LuSVNBundleLoader::sharedInstance();
+    const std::vector<LuSVNVersion> versions = loader->loadedVersions();
+    if (versions.size() < 2)
+        return formatVersionForWorkingCopyAtPath(path, loader->newestBundle());
+    try {
+        return formatVersionForWorkingCopyAtPath(path, loader->bundleForVersion(versions[0]));
+    } catch (...) {
+        return formatVersionForWorkingCopyAtPath(path, loader->bundleForVersion(versions[1]));
+    }
+}
+
+LuSVNVersion LuSVNNode::versionForWorkingCopyAtPath(const std::string& path)
+{
+    LUSVN_TRACE("LuSVNNode", "versionForWorkingCopyAtPath", {"path", path});
+    const int format = formatVersionForWorkingCopyAtPath(path);
+    if (format == 0)
+        throw LuSVNNotWorkingCopyException("\"" + displayLastComponent(path) + "\" is not a working copy");
+    auto loader = LuSVNBundleLoader::sharedInstance();
+    const std::vector<LuSVNVersion> versions = loader->loadedVersions();
+    for (auto version = versions.rbegin(); version != versions.rend(); ++version) {
+        const auto bundle = loader->bundleForVersion(*version);
+        const std::int64_t readable = loader->infoDictionaryForBundle(bundle).integerForKey("LuSVNWorkingCopyFormatVersion");
+        if (readable < 1)
+            throw LuSVNInternalInconsistencyException("Bundle (version " + version->versionString() +
+                                                      ") does not provide working copy format version in infoDictionary");
+        if (readable >= format)
+            return version->versionWithMajorAndMinorComponents();
+    }
+    return *loader->newestVersion();
+}
+
+std::string LuSVNNode::adminAreaInDirectoryAtPath(const std::string& path)
+{
+    LUSVN_TRACE("LuSVNNode", "adminAreaInDirectoryAtPath", {"path", path});
+    LuSVNBackendFrame frame(LuSVNBundleLoader::sharedInstance()->defaultBundle());
+    const char* name = LuSVNEntry<100>()(frame.pool());
+    if (!name)
+        throw LuSVNException("Failed to get name used for svn admin directories");
+    return (std::filesystem::path(path) / name).string();
+}

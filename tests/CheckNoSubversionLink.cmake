@@ -1,0 +1,12 @@
+# Fails when libtessera has an undefined dynamic symbol of Subversion or APR.
+execute_process(COMMAND nm -D --undefined-only ${LIBRARY} OUTPUT_VARIABLE symbols RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "nm failed on ${LIBRARY}")
+endif()
+string(REGEX MATCHALL "[ \t](svn_|apr_|apu_)[A-Za-z0-9_]*" found "${symbols}")
+if(found)
+  message(FATAL_ERROR "libtessera references Subversion or APR directly:${found}")
+endif()
+string(REGEX MATCHALL "\n" lines "${symbols}")
+list(LENGTH lines count)
+message(STATUS "${count} undefined symbols, none of Subversion or APR")
