@@ -1,0 +1,27 @@
+#!/bin/sh
+# Installs everything Tessera needs to build and test on Debian 12. Safe to run
+# again: packages already present are left as they are.
+set -eu
+
+packages="
+  build-essential cmake ninja-build pkg-config git
+  subversion libsvn-dev libapr1-dev libaprutil1-dev
+  nlohmann-json3-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  binutils
+"
+
+missing=""
+for package in $packages; do
+  if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+    missing="$missing $package"
+  fi
+done
+
+if [ -n "$missing" ]; then
+  SUDO=""
+  if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+  echo "Installing:$missing"
+  $SUDO apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends $missing
+fi
