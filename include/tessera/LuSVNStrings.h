@@ -30,7 +30,8 @@ TESSERA_EXPORT svn_string_t* LuSVNStringFromObject(const LuSVNPropertyValue& val
 /// The Subversion string as text, or nullopt when it is not valid UTF-8.
 TESSERA_EXPORT std::optional<std::string> LuSVNStringWithSVNString(const svn_string_t* string);
 
-/// The text as a Subversion string in the pool (entry point 21).
+/// The text as a Subversion string in the pool; counted (entry point 22), so
+/// that text holding NUL characters is kept whole.
 TESSERA_EXPORT svn_string_t* LuSVNSVNStringUsingPool(const std::string& text, apr_pool_t* pool);
 
 /// The text without white space and line ends at either end (Unicode white

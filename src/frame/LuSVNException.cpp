@@ -105,9 +105,17 @@ LuSVNErrorDictionary LuSVNException::dictionaryForError(const svn_error_t* error
     LuSVNErrorDictionary dictionary;
     char buffer[1024];
     const char* message = LuSVNEntry<33>()(error, buffer, sizeof buffer);
-    // The message is cut at the buffer; a cut may split a UTF-8 sequence,
-    // which stays as it is rather than failing the whole conversion.
-    dictionary.message = std::string(message ? message : "").substr(0, sizeof buffer - 1);
+    // Subversion hands back the error's own message uncut when it has one, so
+    // the cut to the buffer is made here; it backs off to a character boundary
+    // so that the text stays valid UTF-8.
+    std::string text(message ? message : "");
+    if (text.size() > sizeof buffer - 1) {
+        std::size_t cut = sizeof buffer - 1;
+        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80)
+            --cut;
+        text.resize(cut);
+    }
+    dictionary.message = std::move(text);
     dictionary.status = error->apr_err;
     if (error->file) {
         dictionary.file = std::string(error->file);

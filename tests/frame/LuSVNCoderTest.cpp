@@ -382,58 +382,39 @@ TEST(LuSVNCoderTest, MembersOfTheOtherDirectionAreUnavailable)
     EXPECT_EQ(reason, "encodeObject is not available in this coder");
 }
 
-TEST(LuSVNCoderTest, UnknownClassesAreRefused)
-{
-    struct Case {
-        const char* archive;
-        const char* reason;
-    } cases[] = {
-        {R"({"$class":"Foo"})", "Cannot decode object of unknown class Foo for key root"},
-        {R"({"$class":"CoderTestBranch","first":{"$class":"Foo"}})",
-         "Cannot decode object of unknown class Foo for key first"},
-        {R"({"$class":"CoderTestBranch","children":[{"$class":"CoderTestNode"},{"$class":"Bar"}]})",
-         "Cannot decode object of unknown class Bar for key children"},
-        {R"({"$class":""})", "Cannot decode object of unknown class  for key root"},
-        {R"({"path":"/a"})", "Cannot decode object without class name for key root"},
-        {R"({"$class":7})", "Cannot decode object without class name for key root"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(invalidArgumentReason([&] { LuSVNKeyedUnarchiver::unarchiveObjectWithData(c.archive); }), c.reason)
-            << c.archive;
-}
-
-TEST(LuSVNCoderTest, UnexpectedClassesAreRefused)
+TEST(LuSVNCoderTest, RootOfAnotherClassIsRefused)
 {
     std::string branchArchive = LuSVNKeyedArchiver::archivedDataWithRootObject(CoderTestBranch("b", 1));
     EXPECT_EQ(invalidArgumentReason([&] { LuSVNKeyedUnarchiver::unarchiveObjectOfClass<CoderTestLeaf>(branchArchive); }),
               "Root object of class CoderTestBranch is not of the expected class");
     // A subclass is a node, and still its own class.
     EXPECT_EQ(typeid(*LuSVNKeyedUnarchiver::unarchiveObjectOfClass<CoderTestNode>(branchArchive)), typeid(CoderTestBranch));
-
-    struct Case {
-        const char* archive;
-        const char* reason;
-    } cases[] = {
-        {R"({"$class":"CoderTestBranch","first":{"$class":"CoderTestPoint"}})",
-         "Object of class CoderTestPoint for key first is not of the expected class"},
-        {R"({"$class":"CoderTestBranch","children":[{"$class":"CoderTestNode"},{"$class":"CoderTestPoint"}]})",
-         "Object of class CoderTestPoint for key children is not of the expected class"},
-        {R"({"$class":"CoderTestLeaf","origin":{"$class":"CoderTestNode"}})",
-         "Object of class CoderTestNode for key origin is not of the expected class"},
-        {R"({"$class":"CoderTestBranch","points":[{"$class":"CoderTestLeaf"}]})",
-         "Object of class CoderTestLeaf for key points is not of the expected class"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(invalidArgumentReason([&] { LuSVNKeyedUnarchiver::unarchiveObjectWithData(c.archive); }), c.reason)
-            << c.archive;
 }
 
-TEST(LuSVNCoderTest, ValuesOfTheWrongKindAreRefused)
+TEST(LuSVNCoderTest, BadContentIsRefused)
 {
     struct Case {
         const char* archive;
         const char* reason;
     } cases[] = {
+        // Classes
+        {R"({"$class":"Foo"})", "Cannot decode object of unknown class Foo for key root"},
+        {R"({"$class":"CoderTestBranch","first":{"$class":"Foo"}})",
+         "Cannot decode object of unknown class Foo for key first"},
+        {R"({"$class":"CoderTestBranch","children":[{"$class":"CoderTestNode"},{"$class":"Bar"}]})",
+         "Cannot decode object of unknown class Bar for key children"},
+        {R"({"path":"/a"})", "Cannot decode object without class name for key root"},
+        {R"({"$class":7})", "Cannot decode object without class name for key root"},
+        {R"({"$class":"CoderTestBranch","first":{"$class":"CoderTestPoint"}})",
+         "Object of class CoderTestPoint for key first is not of the expected class"},
+        {R"({"$class":"CoderTestBranch","children":[{"$class":"CoderTestNode"},{"$class":"CoderTestPoint"}]})",
+         "Object of class CoderTestPoint for key children is not of the expected class"},
+        // Held by value: a subclass would be cut down to its base.
+        {R"({"$class":"CoderTestLeaf","origin":{"$class":"CoderTestNode"}})",
+         "Object of class CoderTestNode for key origin is not of the expected class"},
+        {R"({"$class":"CoderTestBranch","points":[{"$class":"CoderTestLeaf"}]})",
+         "Object of class CoderTestLeaf for key points is not of the expected class"},
+        // Kinds
         {R"({"$class":"CoderTestNode","id":"7"})", "Cannot decode integer for key id: the archive holds a string"},
         {R"({"$class":"CoderTestNode","id":1.5})",
          "Cannot decode integer for key id: the archive holds a floating-point number"},
@@ -441,9 +422,7 @@ TEST(LuSVNCoderTest, ValuesOfTheWrongKindAreRefused)
         {R"({"$class":"CoderTestNode","id":9223372036854775808})", "Cannot decode integer for key id: out of range"},
         {R"({"$class":"CoderTestNode","id":-9223372036854775809})",
          "Cannot decode integer for key id: the archive holds a floating-point number"},
-        {R"({"$class":"CoderTestNode","id":1e400})", nullptr},
         {R"({"$class":"CoderTestNode","name":5})", "Cannot decode string for key name: the archive holds an integer"},
-        {R"({"$class":"CoderTestNode","name":["a"]})", "Cannot decode string for key name: the archive holds an array"},
         {R"({"$class":"CoderTestLeaf","flag":1})", "Cannot decode boolean for key flag: the archive holds an integer"},
         {R"({"$class":"CoderTestLeaf","ratio":"1.5"})", "Cannot decode double for key ratio: the archive holds a string"},
         {R"({"$class":"CoderTestLeaf","ratio":true})", "Cannot decode double for key ratio: the archive holds a boolean"},
@@ -463,16 +442,11 @@ TEST(LuSVNCoderTest, ValuesOfTheWrongKindAreRefused)
         {R"({"$class":"CoderTestBranch","children":[null]})",
          "Cannot decode object array element for key children: the archive holds nil"},
         {R"([{"$class":"CoderTestNode"}])", "Cannot decode object for key root: the archive holds an array"},
-        {R"("CoderTestNode")", "Cannot decode object for key root: the archive holds a string"},
         {"null", "Cannot decode archive: no root object"},
     };
-    for (const Case& c : cases) {
-        std::string reason = invalidArgumentReason([&] { LuSVNKeyedUnarchiver::unarchiveObjectWithData(c.archive); });
-        if (c.reason)
-            EXPECT_EQ(reason, c.reason) << c.archive;
-        else
-            EXPECT_FALSE(reason.empty()) << c.archive;
-    }
+    for (const Case& c : cases)
+        EXPECT_EQ(invalidArgumentReason([&] { LuSVNKeyedUnarchiver::unarchiveObjectWithData(c.archive); }), c.reason)
+            << c.archive;
 }
 
 TEST(LuSVNCoderTest, MalformedTextIsRefused)
@@ -486,6 +460,7 @@ TEST(LuSVNCoderTest, MalformedTextIsRefused)
         R"({"$class":"CoderTestNode"} trailing)",
         "{\"$class\":\"CoderTestNode\",\"name\":\"\xff\"}",
         R"({"$class":"CoderTestNode","name":"\ud800"})",
+        R"({"$class":"CoderTestNode","id":1e400})",
         std::string("{\"$class\":\"CoderTestNode\"}\0", 27),
         std::string("{\"$class\":\"CoderTestNode\",\0\"id\":1}", 34),
     };

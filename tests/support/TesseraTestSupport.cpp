@@ -1,5 +1,7 @@
 #include "TesseraTestSupport.h"
 
+#include <gtest/gtest.h>
+#include <tessera/LuSVNPlatformExceptions.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -91,6 +93,16 @@ void checkout(const std::string& url, const std::string& path)
 void writeFile(const std::string& path, const std::string& contents)
 {
     std::ofstream(path, std::ios::binary) << contents;
+}
+
+void expectParameterAssertion(const std::function<void()>& call, const std::string& condition)
+{
+    try {
+        call();
+        ADD_FAILURE() << "nothing thrown, expected the assertion " << condition;
+    } catch (const LuSVNInternalInconsistencyException& e) {
+        EXPECT_EQ(e.reason(), "Invalid parameter not satisfying: " + condition);
+    }
 }
 
 void isolateHome()

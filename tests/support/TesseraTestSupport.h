@@ -2,6 +2,7 @@
 // svn programs with a private configuration directory, fixtures.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,10 @@ void checkout(const std::string& url, const std::string& path);
 
 /// Writes a file, making nothing else.
 void writeFile(const std::string& path, const std::string& contents);
+
+/// Expects the call to raise LuSVNInternalInconsistencyException "Invalid
+/// parameter not satisfying: <condition>".
+void expectParameterAssertion(const std::function<void()>& call, const std::string& condition);
 
 /// Points HOME at a fresh temporary directory for the whole process, so that
 /// nothing touches the user's own Subversion configuration.
