@@ -55,7 +55,8 @@ int describeWorkingCopy(const std::string& path)
     auto bundle = LuSVNBundleLoader::sharedInstance()->bundleForVersion(version);
     std::printf("path:    %s\n", path.c_str());
     std::printf("format:  %d\n", format);
-    std::printf("backend: %s\n", bundle ? bundle->description().c_str() : "(none)");
+    std::printf("release: %s\n", version.versionString().c_str());
+    std::printf("backend: %s\n", bundle ? bundle->bundle()->bundlePath().c_str() : "(none)");
     std::printf("admin:   %s\n", LuSVNNode::adminAreaInDirectoryAtPath(path).c_str());
     return 0;
 }
