@@ -13,3 +13,6 @@ ASAN_OPTIONS="detect_leaks=1:fast_unwind_on_malloc=0" \
 LSAN_OPTIONS="suppressions=$(pwd)/tests/lsan.supp" \
 UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1" \
   ctest --test-dir "$build-asan" --output-on-failure -j "$(nproc)"
+
+echo "== fuzz targets, ${FUZZ_SECONDS:-30} s each from their seed corpora"
+scripts/fuzz.sh

@@ -3,8 +3,14 @@
 #include <tessera/LuSVNBundleStack.h>
 #include <tessera/LuSVNException.h>
 
+#include "LuSVNProviderException.h"
+
 LuSVNBackendFrame::LuSVNBackendFrame(std::shared_ptr<LuSVNBundleProxy> backend)
 {
+    // A provider exception kept by an earlier operation whose error Subversion
+    // swallowed must not be matched against a later error at the same address.
+    if (tessera_private::LuSVNBundleStackDepth() == 0)
+        tessera_private::LuSVNTakeProviderException(nullptr);
     LuSVNBundlePush(std::move(backend));
     try {
         // Checked here so that the destructor, which must not throw, finds it.
@@ -27,7 +33,7 @@ LuSVNBackendFrame::~LuSVNBackendFrame()
 void LuSVNThrowIfError(svn_error_t* error)
 {
     if (error)
-        LuSVNException::exceptionWithError(error)->raise();
+        LuSVNException::exceptionWithError(tessera_private::LuSVNRethrowProviderException(error))->raise();
 }
 
 svn_error_t* LuSVNCreateError(apr_status_t code, const char* message, const char* file, long line)

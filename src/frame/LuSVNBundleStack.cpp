@@ -3,6 +3,8 @@
 
 #include <vector>
 
+#include "LuSVNBackendFrame.h"
+
 namespace {
 // Created empty on a thread's first push; proxies on it are held strongly.
 thread_local std::vector<std::shared_ptr<LuSVNBundleProxy>> bundleStack;
@@ -27,4 +29,9 @@ const std::shared_ptr<LuSVNBundleProxy>& LuSVNBundleCurrent()
     if (bundleStack.empty())
         throw LuSVNGenericException("Bundle stack is empty");
     return bundleStack.back();
+}
+
+std::size_t tessera_private::LuSVNBundleStackDepth()
+{
+    return bundleStack.size();
 }

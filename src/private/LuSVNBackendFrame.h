@@ -33,8 +33,14 @@ private:
     apr_pool_t* pool_ = nullptr;
 };
 
+namespace tessera_private {
+/// How many backends the calling thread has pushed.
+std::size_t LuSVNBundleStackDepth();
+}  // namespace tessera_private
+
 /// Throws the exception that the error chain maps to (and frees the chain)
-/// when the error is not null. Must run before the frame pops: the conversion
+/// when the error is not null; when the chain stands for an exception that an
+/// authentication provider raised, that exception instead. Must run before the frame pops: the conversion
 /// uses the current backend.
 TESSERA_EXPORT void LuSVNThrowIfError(svn_error_t* error);
 

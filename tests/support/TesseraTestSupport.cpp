@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -28,7 +29,33 @@ const TemporaryDirectory& configDirectory()
     return directory;
 }
 
+void setOrUnset(const char* name, const char* value)
+{
+    if (value)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+}
+
 }  // namespace
+
+ScopedEnvironment::ScopedEnvironment(std::initializer_list<std::pair<const char*, const char*>> values)
+{
+    for (const auto& [name, value] : values) {
+        const char* old = std::getenv(name);
+        saved_.emplace_back(name, old ? std::optional<std::string>(old) : std::nullopt);
+        setOrUnset(name, value);
+    }
+    tzset();
+}
+
+ScopedEnvironment::~ScopedEnvironment()
+{
+    // In reverse, so that a name given twice ends as it was before the first.
+    for (auto entry = saved_.rbegin(); entry != saved_.rend(); ++entry)
+        setOrUnset(entry->first.c_str(), entry->second ? entry->second->c_str() : nullptr);
+    tzset();
+}
 
 TemporaryDirectory::TemporaryDirectory() : path_(makeTemporaryDirectory()) {}
 

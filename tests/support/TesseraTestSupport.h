@@ -3,7 +3,10 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TesseraTestBundles.h"
@@ -24,6 +27,19 @@ public:
 
 private:
     std::string path_;
+};
+
+/// Sets environment variables (null: unset) for its lifetime, then puts back
+/// what was there. The C library's time zone follows TZ both ways.
+class ScopedEnvironment {
+public:
+    ScopedEnvironment(std::initializer_list<std::pair<const char*, const char*>> values);
+    ~ScopedEnvironment();
+    ScopedEnvironment(const ScopedEnvironment&) = delete;
+    ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+
+private:
+    std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
 };
 
 /// Output and exit status of a command.

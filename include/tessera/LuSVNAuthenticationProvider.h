@@ -1,0 +1,173 @@
+// Authentication providers: objects that answer Subversion's requests for
+// credentials.
+//
+// Subversion asks the providers of one credential kind, in the order of the
+// authentication stack (LuSVNAuthenticationStack.h), for first credentials,
+// for next ones after a refusal, and to save the ones that worked. A provider
+// written in C++ derives from LuSVNAuthenticationProvider and overrides
+//
+//   credentialsClass()          the kind it serves (required)
+//   credentialsForRealm()       first credentials, or null to pass
+//   nextCredentialsForRealm()   another try after a refusal, or null
+//   saveCredentials()           true when it stored the credentials
+//
+// and copy(). The bridge turns the object into Subversion's provider
+// (providerObjectFromPool) whose C callbacks, the trampolines below, call
+// these operations with the backend of the provider pushed.
+//
+//   class Answer : public LuSVNAuthenticationProvider {
+//       const LuSVNCredentialsClass& credentialsClass() const override
+//       { return LuSVNSimpleCredentials::classObject(); }
+//       std::shared_ptr<LuSVNCredentials> credentialsForRealm(const std::optional<std::string>&,
+//           const LuSVNAuthParameters&, std::shared_ptr<void>&) override
+//       { return LuSVNSimpleCredentials::credentialsWithUsername("alice", "secret"); }
+//       std::shared_ptr<LuSVNAuthenticationProvider> copy() const override
+//       { return std::make_shared<Answer>(*this); }
+//   };
+//
+// Exceptions: an exception raised by an operation of a provider never
+// enters Subversion. The trampoline keeps it and returns error 20014
+// "Authentication provider raised an exception (first credentials)" (or
+// "(next credentials)", "(save credentials)"), with which Subversion fails
+// the operation; the library's operation then raises the provider's own
+// exception. Credentials of another class than credentialsClass() are
+// ignored with a warning in the log.
+//
+// Subversion's own providers are wrapped as objects of the same family by
+// LuSVNBuiltInAuthenticationProvider.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include <tessera/LuSVNAuthParameters.h>
+#include <tessera/LuSVNBundleProxy.h>
+#include <tessera/LuSVNCredentials.h>
+#include <tessera/LuSVNExport.h>
+
+struct apr_hash_t;
+struct apr_pool_t;
+struct svn_auth_provider_object_t;
+struct svn_error_t;
+
+/// The listener of a provider, which providers that ask the user (the prompt
+/// providers) consult. Not retained by the provider.
+class TESSERA_EXPORT LuSVNAuthenticationProviderDelegate {
+public:
+    virtual ~LuSVNAuthenticationProviderDelegate();
+};
+
+class TESSERA_EXPORT LuSVNAuthenticationProvider {
+public:
+    virtual ~LuSVNAuthenticationProvider();
+
+    std::shared_ptr<LuSVNAuthenticationProviderDelegate> delegate() const { return delegate_.lock(); }
+    void setDelegate(std::weak_ptr<LuSVNAuthenticationProviderDelegate> delegate) { delegate_ = std::move(delegate); }
+
+    /// The backend whose entry points the provider uses; the authentication
+    /// stack sets its own each time it builds its baton.
+    const std::shared_ptr<LuSVNBundleProxy>& bundle() const { return bundle_; }
+    void setBundle(std::shared_ptr<LuSVNBundleProxy> bundle) { bundle_ = std::move(bundle); }
+
+    /// A new provider of the same class with the same delegate and the
+    /// subclass's own settings; the backend is not copied.
+    virtual std::shared_ptr<LuSVNAuthenticationProvider> copy() const = 0;
+
+    /// "<ClassName: 0x...>", unique among the living providers.
+    virtual std::string description() const;
+
+    // --- Object level: what providers written in C++ override ---------------
+
+    /// The class of the credentials this provider serves.
+    virtual const LuSVNCredentialsClass& credentialsClass() const = 0;
+
+    /// First credentials for the realm (nullopt when Subversion gave none), or
+    /// null to let the next provider answer. What is stored in contextInfo is
+    /// handed back with every next request of the same iteration. None here;
+    /// raises "Invalid parameter not satisfying: realm != nil" for no realm.
+    virtual std::shared_ptr<LuSVNCredentials> credentialsForRealm(const std::optional<std::string>& realm,
+                                                                  const LuSVNAuthParameters& parameters,
+                                                                  std::shared_ptr<void>& contextInfo);
+
+    /// Credentials after the previous ones were refused; retryCount is 1 on the
+    /// first such request, then 2, ... None here; raises "Invalid parameter
+    /// not satisfying: realm != nil" for no realm.
+    virtual std::shared_ptr<LuSVNCredentials> nextCredentialsForRealm(const std::optional<std::string>& realm,
+                                                                      const LuSVNAuthParameters& parameters,
+                                                                      std::int32_t retryCount,
+                                                                      const std::shared_ptr<void>& contextInfo);
+
+    /// Stores credentials that worked; true when stored. False here; raises
+    /// "Invalid parameter not satisfying: credentials != nil" or "... realm !=
+    /// nil".
+    virtual bool saveCredentials(const std::shared_ptr<LuSVNCredentials>& credentials,
+                                 const std::optional<std::string>& realm, const LuSVNAuthParameters& parameters);
+
+    // --- Subversion level ---------------------------------------------------
+
+    /// Subversion's provider for this object, in the pool, through the
+    /// current backend: cred_kind is the kind of credentialsClass(), the
+    /// callbacks are the trampolines and the baton is this object (not
+    /// retained: the stack's list keeps the provider alive). Raises "Invalid
+    /// parameter not satisfying: pool != nil" for a null pool.
+    virtual svn_auth_provider_object_t* providerObjectFromPool(apr_pool_t* pool);
+
+    /// The requests with Subversion's own arguments, called by the
+    /// trampolines. Here they convert the realm and the parameters and ask
+    /// the object-level operations: first credentials come with a new
+    /// LuSVNAuthenticationIterator as iteration baton, kept alive by the pool.
+    /// The parameters and the pool are required ("parameters != NULL",
+    /// "pool != NULL"), as are the out arguments.
+    virtual svn_error_t* firstSVNCredentials(void** credentials, void** iterBaton, apr_hash_t* parameters,
+                                             const char* realm, apr_pool_t* pool);
+    virtual svn_error_t* nextSVNCredentials(void** credentials, void* iterBaton, apr_hash_t* parameters,
+                                            const char* realm, apr_pool_t* pool);
+    /// `saved` is Subversion's svn_boolean_t.
+    virtual svn_error_t* saveSVNCredentials(int* saved, void* credentials, apr_hash_t* parameters, const char* realm,
+                                            apr_pool_t* pool);
+
+    // --- How often the provider was asked on this thread ----------------------
+
+    /// description() followed by ":retryCount".
+    std::string threadRetryCountKey() const;
+    /// The count of the calling thread; 0 when never set.
+    std::int32_t threadRetryCount() const;
+    void setThreadRetryCount(std::int32_t count) const;
+
+protected:
+    LuSVNAuthenticationProvider() = default;
+    /// Copies the delegate only.
+    LuSVNAuthenticationProvider(const LuSVNAuthenticationProvider& other) : delegate_(other.delegate_) {}
+    LuSVNAuthenticationProvider& operator=(const LuSVNAuthenticationProvider&) = delete;
+
+private:
+    std::weak_ptr<LuSVNAuthenticationProviderDelegate> delegate_;
+    std::shared_ptr<LuSVNBundleProxy> bundle_;
+};
+
+// The callbacks of every provider the bridge builds, with Subversion's
+// signatures; the provider baton is the LuSVNAuthenticationProvider. Each
+// pushes the provider's backend, calls the provider's Subversion-level
+// operation and pops. They never let an exception through (see above).
+TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderFirstCredentialsFunc(void** credentials, void** iter_baton,
+                                                                          void* provider_baton,
+                                                                          apr_hash_t* parameters, const char* realm,
+                                                                          apr_pool_t* pool);
+TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderNextCredentialsFunc(void** credentials, void* iter_baton,
+                                                                         void* provider_baton,
+                                                                         apr_hash_t* parameters, const char* realm,
+                                                                         apr_pool_t* pool);
+TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderSaveCredentialsFunc(int* saved, void* credentials,
+                                                                         void* provider_baton,
+                                                                         apr_hash_t* parameters, const char* realm,
+                                                                         apr_pool_t* pool);
+
+/// Splits a network realm "<svn://host:3690> Project" into its URL
+/// ("svn://host:3690") and its name ("Project"), each trimmed of white space
+/// and line ends. False, with both outputs nullopt, when the realm does not
+/// begin with "<" or has no ">" before its last character.
+TESSERA_EXPORT bool LuSVNParseRealm(const std::string& realm, std::optional<std::string>& name,
+                                    std::optional<std::string>& url);
