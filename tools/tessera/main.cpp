@@ -3,11 +3,16 @@
 //   tessera backends      the loaded backends: version, working-copy format,
 //                         filled entry points
 //   tessera wc PATH       a working copy's format and the backend chosen for it
+//   tessera mkrepo PATH [--compatible-version X.Y]
+//                         a new FSFS repository; prints its file:// URL
 #include <tessera/Tessera.h>
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
+#include <optional>
+#include <regex>
 #include <string>
 
 namespace {
@@ -18,6 +23,9 @@ constexpr const char* usage =
     "commands:\n"
     "  backends    list the loaded Subversion backends\n"
     "  wc PATH     show a working copy's format and the backend chosen for it\n"
+    "  mkrepo PATH [--compatible-version X.Y]\n"
+    "              create an FSFS repository and print its file:// URL; with a\n"
+    "              release older than 1.6 the repository stays readable by it\n"
     "\n"
     "The log level comes from the environment variable TesseraLogLevel\n"
     "(off, normal, debug, verbose).\n";
@@ -61,6 +69,44 @@ int describeWorkingCopy(const std::string& path)
     return 0;
 }
 
+int makeRepository(const std::string& path, const std::optional<std::string>& compatibleVersion)
+{
+    LuSVNFileSystemOptions options;
+    if (compatibleVersion)
+        options.setCompatibility(LuSVNVersion::versionWithString(*compatibleVersion));
+    // Absolute, so that the URL names the repository from anywhere.
+    const auto absolute = std::filesystem::absolute(path).lexically_normal().string();
+    const auto repository = LuSVNRepository::createRepositoryAtPath(LuSVNLocalPath::pathWithString(absolute), options);
+    std::printf("%s\n", repository->path()->URL()->string().c_str());
+    return 0;
+}
+
+// "mkrepo PATH [--compatible-version X.Y]", in either order; 2 for bad arguments.
+int makeRepositoryCommand(int argc, char** argv)
+{
+    std::optional<std::string> path, compatibleVersion;
+    bool understood = true;
+    for (int i = 2; i < argc && understood; ++i) {
+        if (std::strcmp(argv[i], "--compatible-version") == 0 && i + 1 < argc && !compatibleVersion)
+            compatibleVersion = argv[++i];
+        else if (!path && argv[i][0] != '\0' && argv[i][0] != '-')
+            path = argv[i];
+        else
+            understood = false;
+    }
+    if (!understood || !path) {
+        std::fputs(usage, stderr);
+        return 2;
+    }
+    // The version parser reads anything, "x" as 0.0; only plain releases are meant.
+    if (compatibleVersion && !std::regex_match(*compatibleVersion, std::regex("[0-9]+\\.[0-9]+(\\.[0-9]+)?"))) {
+        std::cerr << "tessera: --compatible-version expects a release such as 1.5, not '" << *compatibleVersion
+                  << "'\n";
+        return 2;
+    }
+    return makeRepository(*path, compatibleVersion);
+}
+
 void printCauses(const std::optional<LuSVNErrorDictionary>& info)
 {
     if (!info)
@@ -85,6 +131,8 @@ int main(int argc, char** argv)
             return listBackends();
         if (command == "wc" && argc == 3)
             return describeWorkingCopy(argv[2]);
+        if (command == "mkrepo")
+            return makeRepositoryCommand(argc, argv);
         std::fputs(usage, stderr);
         return 2;
     } catch (const LuSVNException& e) {

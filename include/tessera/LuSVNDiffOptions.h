@@ -1,0 +1,49 @@
+// Options of comparing files (see LuSVNOptions.h for the conventions of the
+// family).
+//
+//   field                       kind     default
+//   whitespaceCompareBehavior   number   0: white space counts; 1 ignores
+//                                        changes in the amount of white
+//                                        space; 2 ignores all white space
+//   ignoreEOLStyle              flag     false   all line ends compare equal
+//   recursive                   flag     true
+//
+// The description is the generic one: "<LuSVNDiffOptions: 0x...>".
+#pragma once
+
+#include <cstdint>
+
+#include <tessera/LuSVNOptions.h>
+
+struct apr_pool_t;
+struct svn_diff_file_options_t;
+
+class TESSERA_EXPORT LuSVNDiffOptions : public LuSVNOptions {
+public:
+    static LuSVNDiffOptions defaults() { return {}; }
+
+    /// Any value is stored; convertOptions refuses all but 0, 1 and 2.
+    std::int32_t whitespaceCompareBehavior() const { return whitespaceCompareBehavior_; }
+    void setWhitespaceCompareBehavior(std::int32_t behavior) { whitespaceCompareBehavior_ = behavior; }
+
+    bool ignoreEOLStyle() const { return ignoreEOLStyle_; }
+    bool recursive() const { return recursive_; }
+    /// Each keeps only the lowest bit of its argument.
+    void setIgnoreEOLStyle(int ignoreEOLStyle) { ignoreEOLStyle_ = ignoreEOLStyle & 1; }
+    void setRecursive(int recursive) { recursive_ = recursive & 1; }
+
+    /// Subversion's file-diff options (svn_diff_file_options_create, through
+    /// the backend on top of the calling thread's stack) in the pool, with
+    /// ignore_space = whitespaceCompareBehavior and ignore_eol_style = 1 when
+    /// ignoreEOLStyle is set, else 0; the other fields keep Subversion's
+    /// defaults. A null pool raises "Invalid parameter not satisfying: pool
+    /// != NULL"; a behaviour other than 0, 1, 2 raises
+    /// LuSVNInternalInconsistencyException "Unrecognized whitespace compare
+    /// behavior" before anything is allocated.
+    static svn_diff_file_options_t* convertOptions(const LuSVNDiffOptions& options, apr_pool_t* pool);
+
+private:
+    std::int32_t whitespaceCompareBehavior_ = 0;
+    unsigned ignoreEOLStyle_ : 1 = 0;
+    unsigned recursive_ : 1 = 1;
+};
