@@ -9,8 +9,11 @@ tessera="$build/bin/tessera"
 
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
-svnadmin create "$work/repository"
-svn --config-dir "$work/config" --non-interactive checkout -q "file://$work/repository" "$work/working-copy"
+echo "== tessera mkrepo"
+url="$("$tessera" mkrepo "$work/repository")"
+echo "$url"
+svn --config-dir "$work/config" --non-interactive checkout -q "$url" "$work/working-copy"
+echo
 
 echo "== tessera backends"
 "$tessera" backends
