@@ -17,8 +17,10 @@
 #include <tessera/LuSVNCertificate.h>
 #include <tessera/LuSVNCheckOutOptions.h>
 #include <tessera/LuSVNCoder.h>
+#include <tessera/LuSVNCommitItem.h>
 #include <tessera/LuSVNCommitOptions.h>
 #include <tessera/LuSVNConfiguration.h>
+#include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNCopyOptions.h>
 #include <tessera/LuSVNCredentials.h>
 #include <tessera/LuSVNData.h>
@@ -37,7 +39,9 @@
 #include <tessera/LuSVNInitialize.h>
 #include <tessera/LuSVNKeyedArchiver.h>
 #include <tessera/LuSVNLocalPath.h>
+#include <tessera/LuSVNLock.h>
 #include <tessera/LuSVNLockOptions.h>
+#include <tessera/LuSVNLogMessageProvider.h>
 #include <tessera/LuSVNLogOptions.h>
 #include <tessera/LuSVNMergeInfo.h>
 #include <tessera/LuSVNMergeOptions.h>
@@ -46,6 +50,9 @@
 #include <tessera/LuSVNMoveOptions.h>
 #include <tessera/LuSVNMutableRevisionSpec.h>
 #include <tessera/LuSVNNode.h>
+#include <tessera/LuSVNNotification.h>
+#include <tessera/LuSVNNotificationFilter.h>
+#include <tessera/LuSVNNotificationHandler.h>
 #include <tessera/LuSVNNumberedRevision.h>
 #include <tessera/LuSVNOptions.h>
 #include <tessera/LuSVNOptionsWithRevision.h>
@@ -71,6 +78,7 @@
 #include <tessera/LuSVNSSLFailures.h>
 #include <tessera/LuSVNSSLServerTrustCredentials.h>
 #include <tessera/LuSVNSimpleCredentials.h>
+#include <tessera/LuSVNSimpleLogMessageProvider.h>
 #include <tessera/LuSVNStandardProperties.h>
 #include <tessera/LuSVNStatusOptions.h>
 #include <tessera/LuSVNStreams.h>

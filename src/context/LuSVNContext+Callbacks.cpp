@@ -1,0 +1,138 @@
+// The functions the client context hands to Subversion. Subversion calls
+// them on the operation's thread, possibly from inside another backend's
+// push, so each pushes the context's backend itself. No C++ exception may
+// unwind through Subversion: what a handler or provider raises is kept in the
+// context and raised by the operation (LuSVNContext::throwIfError).
+#include <tessera/LuSVNCommitItem.h>
+#include <tessera/LuSVNContext.h>
+
+#include "LuSVNBackendFrame.h"
+#include "LuSVNBundlePushed.h"
+#include "LuSVNPoolCopies.h"
+
+using namespace tessera_private;
+
+namespace {
+
+// The fields of the notify record; those added in 1.6 only from backends
+// whose record has them.
+LuSVNNotification notificationWithSVNNotify(const svn_wc_notify_t& notify,
+                                            const std::optional<LuSVNVersion>& bundleVersion)
+{
+    LuSVNNotification notification(notify.action);
+    notification.setContentState(notify.content_state);
+    if (notify.err)
+        notification.setError(LuSVNException::exceptionWithError(notify.err, false));  // Subversion owns the error
+    if (notify.lock)
+        notification.setLock(LuSVNLock::lockWithSVNLock(notify.lock));
+    notification.setLockState(notify.lock_state);
+    notification.setNodeKind(notify.kind);
+    notification.setPath(LuSVNOptionalString(notify.path));
+    notification.setPropertyState(notify.prop_state);
+    notification.setRevision(static_cast<std::int32_t>(notify.revision));
+    if (bundleVersion && *bundleVersion >= LuSVNVersion::version1_6()) {
+        if (notify.url)
+            notification.setURL(LuSVNURL::URLWithString(notify.url));
+        notification.setPathPrefix(LuSVNOptionalString(notify.path_prefix));
+        notification.setPropertyName(LuSVNOptionalString(notify.prop_name));
+    }
+    return notification;
+}
+
+// A cancellation error for Subversion; none when there is no backend to make
+// one, the lesser harm than unwinding.
+svn_error_t* cancellationError(const std::shared_ptr<LuSVNBundleProxy>& bundle, const char* message) noexcept
+{
+    try {
+        LuSVNBundlePushed pushed(bundle);
+        return LuSVNCreateError(LuSVNCancelledErrorStatus, message, __FILE__, __LINE__);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+}  // namespace
+
+struct LuSVNContext::Callbacks {
+    // Backends from 1.5 on hand over svn_client_commit_item3_t records, older
+    // ones svn_client_commit_item2_t.
+    template <class SVNCommitItem>
+    static svn_error_t* LuSVNGetCommitLogMessage(const char** logMessage, const char** temporaryFile,
+                                                 const apr_array_header_t* commitItems, void* baton,
+                                                 apr_pool_t* pool) noexcept
+    {
+        *logMessage = nullptr;
+        *temporaryFile = nullptr;
+        auto& context = *static_cast<LuSVNContext*>(baton);
+        return LuSVNGuardCallback(context.pendingException_, [&]() -> svn_error_t* {
+            LuSVNBundlePushed pushed(context.bundle());
+            const auto provider = context.logMessageProvider();
+            if (!provider) {
+                *logMessage = LuSVNEntry<4>()(pool, "");
+                return nullptr;
+            }
+            std::vector<LuSVNCommitItem> items;
+            const auto* records = reinterpret_cast<SVNCommitItem* const*>(commitItems->elts);
+            for (int index = 0; index < commitItems->nelts; ++index)
+                items.push_back(LuSVNCommitItem::commitItemForSVNCommitItem(records[index]));
+            std::optional<std::string> message;
+            // No message leaves the log message null: Subversion abandons the commit.
+            if (provider->contextPromptForLogMessage(context, message, items))
+                *logMessage = LuSVNPoolCopyString(message, pool);
+            return nullptr;
+        });
+    }
+
+    static void LuSVNNotifyFunction(void* baton, const svn_wc_notify_t* notify, apr_pool_t*) noexcept
+    {
+        auto& context = *static_cast<LuSVNContext*>(baton);
+        // After a failure the operation is being stopped; the handlers hear no more of it.
+        if (context.pendingException_ || !context.notificationHandler())
+            return;
+        try {
+            LuSVNBundlePushed pushed(context.bundle());
+            context.notify(notificationWithSVNNotify(*notify, context.bundleVersion()));
+        } catch (...) {
+            context.pendingException_ = std::current_exception();
+        }
+    }
+
+    static svn_error_t* LuSVNCancelFunction(void* baton) noexcept
+    {
+        auto& context = *static_cast<LuSVNContext*>(baton);
+        // A handler failed: stop here, the operation raises its exception.
+        if (context.pendingException_)
+            return cancellationError(context.bundle(), "Operation was cancelled");
+        bool shouldContinue = true;
+        try {
+            if (const auto delegate = context.delegate())
+                delegate->contextQueryContinue(context, shouldContinue);
+        } catch (...) {
+            return nullptr;  // a failing delegate does not cancel
+        }
+        return shouldContinue ? nullptr : cancellationError(context.bundle(), "Operation was canceled by the user");
+    }
+};
+
+void LuSVNContext::setupLogCallback()
+{
+    if (bundleVersion_ && *bundleVersion_ >= LuSVNVersion::version1_5()) {
+        ctx_->log_msg_func3 = &Callbacks::LuSVNGetCommitLogMessage<svn_client_commit_item3_t>;
+        ctx_->log_msg_baton3 = this;
+    } else {
+        ctx_->log_msg_func2 = &Callbacks::LuSVNGetCommitLogMessage<svn_client_commit_item2_t>;
+        ctx_->log_msg_baton2 = this;
+    }
+}
+
+void LuSVNContext::setupNotificationCallback()
+{
+    ctx_->notify_func2 = &Callbacks::LuSVNNotifyFunction;
+    ctx_->notify_baton2 = this;
+}
+
+void LuSVNContext::setupCancellationCallback()
+{
+    ctx_->cancel_func = &Callbacks::LuSVNCancelFunction;
+    ctx_->cancel_baton = this;
+}
