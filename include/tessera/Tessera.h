@@ -21,6 +21,7 @@
 #include <tessera/LuSVNCommitOptions.h>
 #include <tessera/LuSVNConfiguration.h>
 #include <tessera/LuSVNContext.h>
+#include <tessera/LuSVNContextPool.h>
 #include <tessera/LuSVNCopyOptions.h>
 #include <tessera/LuSVNCredentials.h>
 #include <tessera/LuSVNData.h>
