@@ -20,6 +20,8 @@
 #include <tessera/LuSVNCommitItem.h>
 #include <tessera/LuSVNCommitOptions.h>
 #include <tessera/LuSVNConfiguration.h>
+#include <tessera/LuSVNConflict.h>
+#include <tessera/LuSVNConflictVersion.h>
 #include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNContextPool.h>
 #include <tessera/LuSVNCopyOptions.h>
@@ -30,10 +32,13 @@
 #include <tessera/LuSVNDefinitions.h>
 #include <tessera/LuSVNDeleteOptions.h>
 #include <tessera/LuSVNDiffOptions.h>
+#include <tessera/LuSVNDirectory.h>
 #include <tessera/LuSVNErrorDictionary.h>
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNExportOptions.h>
+#include <tessera/LuSVNExternalDefinition.h>
+#include <tessera/LuSVNFile.h>
 #include <tessera/LuSVNFileSystemOptions.h>
 #include <tessera/LuSVNHeadRevision.h>
 #include <tessera/LuSVNImportOptions.h>
@@ -81,6 +86,7 @@
 #include <tessera/LuSVNSimpleCredentials.h>
 #include <tessera/LuSVNSimpleLogMessageProvider.h>
 #include <tessera/LuSVNStandardProperties.h>
+#include <tessera/LuSVNStatus.h>
 #include <tessera/LuSVNStatusOptions.h>
 #include <tessera/LuSVNStreams.h>
 #include <tessera/LuSVNStrings.h>

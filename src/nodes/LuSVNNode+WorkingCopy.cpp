@@ -1,4 +1,5 @@
 #include <tessera/LuSVNBundleLoader.h>
+#include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNNode.h>
 
@@ -98,4 +99,16 @@ std::string LuSVNNode::adminAreaInDirectoryAtPath(const std::string& path)
     if (!name)
         throw LuSVNException("Failed to get name used for svn admin directories");
     return (std::filesystem::path(path) / name).string();
+}
+
+LuSVNNode::LocalPath LuSVNNode::BASEPathForNodeAtPath(const LocalPath& path, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "BASEPathForNodeAtPath:withContext", {"path", path->string()},
+                {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    const char* pristine = nullptr;
+    context->throwIfError(LuSVNEntry<103>()(path->SVNRepresentationInPool(frame.pool()), &pristine, frame.pool()));
+    return LuSVNLocalPath::pathWithString(pristine);
 }

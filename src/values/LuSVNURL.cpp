@@ -237,7 +237,11 @@ bool LuSVNURL::isValidURL(const std::string& text)
 std::shared_ptr<LuSVNURL> LuSVNURL::initWithCoder(LuSVNCoder& coder)
 {
     LuSVNRequireKeyedUnarchiver(coder);
-    return std::shared_ptr<LuSVNURL>(new LuSVNURL(coder.decodeStringForKey("string").value_or("")));
+    const std::optional<std::string> text = coder.decodeStringForKey("string");
+    if (!text || text->empty())
+        throw LuSVNInvalidArgumentException("Cannot decode LuSVNURL without a string");
+    // Decoding runs the rules of construction again, trailing "/" included.
+    return std::shared_ptr<LuSVNURL>(new LuSVNURL(*text));
 }
 
 std::string LuSVNURL::denormalizedString() const

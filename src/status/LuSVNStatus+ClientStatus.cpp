@@ -1,0 +1,220 @@
+#include <exception>
+#include <initializer_list>
+#include <string>
+
+#include "LuSVNBackendFrame.h"
+#include "LuSVNPath+Internal.h"
+#include "LuSVNPoolCopies.h"
+#include "LuSVNStatus+ClientStatus.h"
+
+using tessera_private::LuSVNPoolAllocateZeroed;
+using tessera_private::LuSVNPoolCopyString;
+
+namespace {
+
+bool isOneOf(int kind, std::initializer_list<int> kinds)
+{
+    for (int candidate : kinds)
+        if (kind == candidate)
+            return true;
+    return false;
+}
+
+// The first conflict description of the kind, or null.
+const svn_wc_conflict_description2_t* LuSVNClientStatusFindConflictOfKind(const apr_array_header_t* conflicts,
+                                                                          svn_wc_conflict_kind_t kind)
+{
+    if (!conflicts)
+        return nullptr;
+    for (int i = 0; i < conflicts->nelts; ++i) {
+        const auto* conflict = reinterpret_cast<const svn_wc_conflict_description2_t* const*>(conflicts->elts)[i];
+        if (conflict && conflict->kind == kind)
+            return conflict;
+    }
+    return nullptr;
+}
+
+struct ConflictInfoBaton {
+    svn_wc_entry_t* entry;
+    apr_pool_t* pool;  // the entry's
+    std::exception_ptr pending;
+};
+
+const char* lastComponent(const char* path, apr_pool_t* pool)
+{
+    return path ? LuSVNEntry<27>()(path, pool) : nullptr;
+}
+
+// Receives the info of a conflicted item: its conflict file names into the entry.
+svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_client_info2_t* info, apr_pool_t*)
+{
+    auto* conflictBaton = static_cast<ConflictInfoBaton*>(baton);
+    return LuSVNGuardCallback(conflictBaton->pending, [&]() -> svn_error_t* {
+        if (!info->wc_info)
+            return nullptr;
+        svn_wc_entry_t* entry = conflictBaton->entry;
+        apr_pool_t* pool = conflictBaton->pool;
+        const apr_array_header_t* conflicts = info->wc_info->conflicts;
+        if (const auto* text = LuSVNClientStatusFindConflictOfKind(conflicts, svn_wc_conflict_kind_text)) {
+            entry->conflict_old = lastComponent(text->base_abspath, pool);
+            entry->conflict_new = lastComponent(text->their_abspath, pool);
+            entry->conflict_wrk = lastComponent(text->my_abspath, pool);
+        }
+        if (const auto* property = LuSVNClientStatusFindConflictOfKind(conflicts, svn_wc_conflict_kind_property))
+            entry->prejfile = lastComponent(property->their_abspath, pool);
+        return nullptr;
+    });
+}
+
+struct TreeConflictBaton {
+    const LuSVNWCStatusHandler* handler;
+    std::exception_ptr pending;
+};
+
+// Hands the one record of a tree-conflict victim on while Subversion still owns it.
+svn_error_t* LuTesseraTreeConflictStatusFunc(void* baton, const char* path, svn_wc_status2_t* status, apr_pool_t*)
+{
+    auto* treeBaton = static_cast<TreeConflictBaton*>(baton);
+    return LuSVNGuardCallback(treeBaton->pending, [&]() -> svn_error_t* {
+        if (status->text_status == svn_wc_status_none)
+            status->text_status = svn_wc_status_missing;
+        (*treeBaton->handler)(path, status);
+        return nullptr;
+    });
+}
+
+// A kept exception of an inner callback wins over the error that ended the call.
+svn_error_t* rethrowPendingOrReturn(std::exception_ptr& pending, svn_error_t* error)
+{
+    if (pending) {
+        if (error)
+            LuSVNEntry<30>()(error);
+        std::rethrow_exception(pending);
+    }
+    return error;
+}
+
+svn_wc_schedule_t scheduleForNodeStatus(svn_wc_status_kind status)
+{
+    switch (status) {
+    case svn_wc_status_replaced:
+        return svn_wc_schedule_replace;
+    case svn_wc_status_deleted:
+        return svn_wc_schedule_delete;
+    case svn_wc_status_added:
+        return svn_wc_schedule_add;
+    default:
+        return svn_wc_schedule_normal;
+    }
+}
+
+svn_wc_entry_t* entryForClientStatus(const svn_client_status_t* status, apr_pool_t* pool)
+{
+    auto* entry = LuSVNPoolAllocateZeroed<svn_wc_entry_t>(pool);
+    entry->revision = status->revision;
+    const std::string relativePath = status->repos_relpath;
+    entry->url = LuSVNPoolCopyString(
+        relativePath.empty() ? std::string(status->repos_root_url)
+                             : tessera_private::LuSVNAppendingPathComponent(
+                                   status->repos_root_url, tessera_private::LuSVNAddPercentEscapes(relativePath)),
+        pool);
+    entry->repos = status->repos_root_url;
+    entry->uuid = status->repos_uuid;
+    if (status->kind != svn_node_unknown) {
+        entry->kind = status->kind;
+        entry->cmt_rev = status->changed_rev;
+        entry->cmt_date = status->changed_date;
+        entry->cmt_author = status->changed_author;
+    } else if (status->ood_kind != svn_node_unknown) {
+        entry->kind = status->ood_kind;
+        entry->cmt_rev = status->ood_changed_rev;
+        entry->cmt_date = status->ood_changed_date;
+        entry->cmt_author = status->ood_changed_author;
+    } else {
+        entry->kind = svn_node_unknown;
+        entry->cmt_rev = SVN_INVALID_REVNUM;
+    }
+    entry->schedule = scheduleForNodeStatus(status->node_status);
+    entry->copied = status->copied;
+    if (status->lock) {
+        entry->lock_token = status->lock->token;
+        entry->lock_owner = status->lock->owner;
+        entry->lock_comment = status->lock->comment;
+        entry->lock_creation_date = status->lock->creation_date;
+    }
+    entry->changelist = status->changelist;
+    entry->working_size = status->filesize;
+    entry->depth = status->depth;
+    entry->copyfrom_rev = SVN_INVALID_REVNUM;
+    entry->has_props = status->prop_status != svn_wc_status_none;
+    entry->has_prop_mods = entry->has_props && status->prop_status != svn_wc_status_normal;
+    return entry;
+}
+
+}  // namespace
+
+void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus, svn_wc_status2_t* wcStatus)
+{
+    wcStatus->text_status = clientStatus->node_status;
+    wcStatus->prop_status = clientStatus->prop_status;
+    wcStatus->repos_text_status = clientStatus->repos_node_status;
+    wcStatus->repos_prop_status = clientStatus->repos_prop_status;
+    if (isOneOf(clientStatus->node_status, {svn_wc_status_modified, svn_wc_status_conflicted}))
+        wcStatus->text_status = clientStatus->text_status;
+    if (isOneOf(clientStatus->repos_node_status, {svn_wc_status_modified, svn_wc_status_conflicted}))
+        wcStatus->repos_text_status = clientStatus->repos_text_status;
+    if (clientStatus->node_status == svn_wc_status_added)
+        wcStatus->prop_status = svn_wc_status_none;
+    const std::initializer_list<int> plain = {svn_wc_status_none, svn_wc_status_normal, svn_wc_status_modified};
+    wcStatus->pristine_text_status = isOneOf(clientStatus->text_status, plain) ? clientStatus->text_status
+                                                                              : svn_wc_status_none;
+    const bool scheduled = isOneOf(clientStatus->node_status,
+                                   {svn_wc_status_added, svn_wc_status_deleted, svn_wc_status_replaced});
+    wcStatus->pristine_prop_status = isOneOf(clientStatus->prop_status, plain) && !scheduled
+                                         ? clientStatus->prop_status
+                                         : svn_wc_status_none;
+}
+
+svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path,
+                                         const svn_client_status_t* clientStatus, apr_pool_t* pool,
+                                         const LuSVNWCStatusHandler& handler)
+{
+    auto* wcStatus = LuSVNPoolAllocateZeroed<svn_wc_status2_t>(pool);
+    svn_wc_entry_t* entry = nullptr;
+    if (clientStatus->repos_root_url && clientStatus->repos_relpath) {
+        entry = entryForClientStatus(clientStatus, pool);
+        if (clientStatus->text_status == svn_wc_status_conflicted ||
+            clientStatus->prop_status == svn_wc_status_conflicted) {
+            svn_opt_revision_t unspecified{};
+            unspecified.kind = svn_opt_revision_unspecified;
+            ConflictInfoBaton baton{entry, pool, nullptr};
+            const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
+            svn_error_t* error = LuSVNEntry<55>()(abspath, &unspecified, &unspecified, svn_depth_empty, false,
+                                                  false, nullptr, LuSVNClientStatusConflictInfo, &baton, ctx, pool);
+            if (svn_error_t* failure = rethrowPendingOrReturn(baton.pending, error))
+                return failure;
+        }
+    } else if (clientStatus->node_status == svn_wc_status_conflicted &&
+               clientStatus->text_status == svn_wc_status_none) {
+        svn_opt_revision_t unspecified{};
+        unspecified.kind = svn_opt_revision_unspecified;
+        TreeConflictBaton baton{&handler, nullptr};
+        svn_error_t* error = LuSVNEntry<69>()(nullptr, path, &unspecified, LuTesseraTreeConflictStatusFunc, &baton,
+                                              svn_depth_empty, false, false, false, true, nullptr, ctx, pool);
+        return rethrowPendingOrReturn(baton.pending, error);
+    }
+    wcStatus->entry = entry;
+    LuSVNClientStatusConvertFields(clientStatus, wcStatus);
+    wcStatus->switched = clientStatus->switched;
+    wcStatus->copied = clientStatus->copied;
+    wcStatus->locked = clientStatus->wc_is_locked;
+    wcStatus->repos_lock = const_cast<svn_lock_t*>(clientStatus->repos_lock);
+    wcStatus->url = entry ? entry->url : nullptr;
+    wcStatus->ood_last_cmt_rev = clientStatus->ood_changed_rev;
+    wcStatus->ood_last_cmt_date = clientStatus->ood_changed_date;
+    wcStatus->ood_kind = clientStatus->ood_kind;
+    wcStatus->ood_last_cmt_author = clientStatus->ood_changed_author;
+    wcStatus->file_external = clientStatus->file_external;
+    handler(path, wcStatus);
+    return nullptr;
+}
