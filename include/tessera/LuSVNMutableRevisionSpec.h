@@ -1,4 +1,4 @@
-// A revision specification whose revisions can be replaced.
+// A revision pair (operative and peg) whose revisions can be replaced.
 //
 //   auto spec = LuSVNMutableRevisionSpec::revisionWithNumber(5);   // 5@UNSPECIFIED
 //   spec->setPegRevision(LuSVNRevision::HEAD());                   // 5@HEAD

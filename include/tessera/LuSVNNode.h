@@ -305,7 +305,7 @@ public:
     // --- Properties -------------------------------------------------------------
 
     /// The value of one property of the node (svn_client_propget2, entry
-    /// point 62) at the spec's peg and operative revisions; none when the
+    /// point 62) at the given peg and operative revisions; none when the
     /// node does not have the property. Raises "Invalid parameter not
     /// satisfying: path != nil" (and "revision != nil", "context != nil").
     static std::optional<LuSVNPropertyValue> propertyWithName(const std::string& name, const Path& path,

@@ -1,4 +1,4 @@
-// Options with a revision specification: the base of the check-out, export
+// Options with an operative and a peg revision: the base of the check-out, export
 // and switch options (see LuSVNOptions.h for the conventions of the family).
 //
 //   field      kind                      default

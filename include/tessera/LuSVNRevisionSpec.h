@@ -1,4 +1,4 @@
-// A revision specification: an operative revision together with a peg
+// An operative revision together with a peg
 // revision, the revision in which a path is looked up.
 //
 //   auto spec = LuSVNRevisionSpec::revisionWithRevision(LuSVNRevision::revisionWithNumber(12),

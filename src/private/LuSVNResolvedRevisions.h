@@ -14,7 +14,7 @@
 
 namespace tessera_private {
 
-/// The peg and operative revision of the spec; for a URL an unspecified peg
+/// The peg and operative revision of a LuSVNRevisionSpec; for a URL an unspecified peg
 /// revision is HEAD and an unspecified operative revision the peg revision.
 inline std::pair<svn_opt_revision_t, svn_opt_revision_t> LuSVNResolvedRevisions(const LuSVNPath& path,
                                                                                 const LuSVNRevisionSpec& revision)
