@@ -15,6 +15,7 @@
 #include <cstdint>
 
 #include <tessera/LuSVNNode.h>
+#include <tessera/LuSVNStatusOptions.h>
 
 class TESSERA_EXPORT LuSVNDirectory : public LuSVNNode {
 public:
@@ -43,6 +44,88 @@ public:
     static std::shared_ptr<LuSVNDirectory> initWithCoder(LuSVNCoder& coder);
     std::string archiveClassName() const override;
     void encodeWithCoder(LuSVNCoder& coder) const override;
+
+    // --- Status walk ---------------------------------------------------------------
+    //
+    //   LuSVNStatusOptions options;
+    //   options.setPropagateStatusToAncestor(true);
+    //   std::shared_ptr<LuSVNDirectory> root;
+    //   std::uint32_t local = 0, remote = 0;
+    //   auto nodes = LuSVNDirectory::statusForNodesInDirectoryAtPath(path, options, &root, &local, &remote, context);
+    //   if (root->hasModifiedNodes()) ...            // a badge on the folder
+    //
+    // One Subversion status call (svn_client_status5 on backends 1.7 and
+    // later, svn_client_status2 before) over the directory. The result holds
+    // a node per reported item, in the backend's order, each with its status:
+    //  - an external directory (a target of an "svn:externals" definition at
+    //    or above the path) has text status external, also when it is reported
+    //    again from inside;
+    //  - with compareAgainstRepository, a repository kind the repository
+    //    left unchanged reads as normal, not none;
+    //  - the parents of an external directory that the walk did not report
+    //    are added as placeholder directories (unversioned, text status
+    //    external) up to the first reported directory or the path;
+    //  - without includeConflictVersionFiles, the extra files of text and
+    //    property conflicts (.mine, .rN, .prej) are left out.
+    // With propagateStatusToAncestor the directories' aggregate words hold the
+    // OR of their descendants' kinds (quiet kinds included once a changed item
+    // brings them). A walk with propagateStatusToAncestor, or with
+    // compareAgainstRepository and includeNormalFiles, always covers the
+    // whole tree; when the options are not recursive it then answers only the
+    // root node, while counts and aggregates still cover everything.
+    //
+    // The local change count is the number of items whose local text or
+    // property kind is abnormal (see LuSVNStatus.h), less the conflicts' extra
+    // files; the remote count those with an abnormal repository kind. Each
+    // out-argument may be null. A Subversion error raises its LuSVNException
+    // and no node is returned. Raises "Invalid parameter not satisfying:
+    // path != nil" (and "context != nil").
+
+    using Directories = std::vector<std::shared_ptr<LuSVNDirectory>>;
+    /// Status words by the string() of a directory's path.
+    using StatiiByPath = std::unordered_map<std::string, std::uint32_t>;
+
+    static Nodes statusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+                                                 std::shared_ptr<LuSVNDirectory>* directory,
+                                                 std::uint32_t* localChangeCount, std::uint32_t* remoteChangeCount,
+                                                 const Context& context);
+    static Nodes statusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+                                                 const Context& context);
+
+    /// The status of the directory itself (its node, with status, URL,
+    /// last change, properties flag and the working copy's lock), its
+    /// aggregate words holding the OR of every item below it as the options
+    /// walk them (no propagation needed). Raises "Invalid parameter not
+    /// satisfying: path != nil" (and "context != nil").
+    static std::shared_ptr<LuSVNDirectory> statusForDirectoryAtPath(const LocalPath& path,
+                                                                    const LuSVNStatusOptions& options,
+                                                                    const Context& context);
+
+    /// Sets each directory's aggregate words from the maps (0 where a map has
+    /// no entry for its path).
+    static void aggregateStatii(const StatiiByPath& statii, const StatiiByPath& reposStatii,
+                                const Directories& directories);
+    /// Removes from `nodes` the extra files that the conflicted nodes name,
+    /// beside each of them: of a text conflict the older, newer and working
+    /// files, of a property conflict the reject file.
+    static void removeVersionConflictFilesFromArray(Nodes& nodes, const Nodes& conflictedNodes);
+
+    // --- Predicates over the aggregates ---------------------------------------------
+    //
+    // Meaningful for a directory of a walk with propagateStatusToAncestor, or
+    // one from statusForDirectoryAtPath.
+
+    /// Whether the local aggregate has any of the kind bits.
+    bool hasNodesWithStatus(std::uint32_t kinds) const;
+    bool hasUnversionedNodes() const;
+    bool hasModifiedNodes() const;
+    bool hasAddedNodes() const;
+    bool hasDeletedNodes() const;
+    bool hasReplacedNodes() const;
+    bool hasMissingNodes() const;
+    bool hasConflictedNodes() const;
+    /// Whether the repository aggregate has an abnormal bit.
+    bool hasNodesChangedInRepository() const;
 
     // --- Externals -----------------------------------------------------------------
 

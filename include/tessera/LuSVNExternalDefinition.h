@@ -37,7 +37,7 @@ public:
     /// The definitions of an "svn:externals" value, in order, parsed by the
     /// backend on top of the calling thread's stack in the pool
     /// (svn_wc_parse_externals_description3, entry point 102; backends 1.5
-    /// and later). Every syntax Subversion accepts: "DIR URL", "DIR -r N URL",
+    /// and later, and for older ones the loader's newest backend). Every syntax Subversion accepts: "DIR URL", "DIR -r N URL",
     /// "URL DIR", "-r N URL@PEG DIR"; comment and empty lines are skipped. A
     /// missing revision is the peg revision, a missing peg revision HEAD.
     /// Raises LuSVNInvalidExternalsDescriptionException (Subversion's

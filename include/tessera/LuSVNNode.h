@@ -55,6 +55,7 @@
 #include <tessera/LuSVNVersion.h>
 
 class LuSVNContext;
+class LuSVNStatusOptions;
 struct svn_dirent_t;
 struct svn_lock_t;
 struct svn_wc_status2_t;
@@ -127,6 +128,14 @@ public:
     /// satisfying: path != nil" (and "status != NULL", "context != nil").
     static std::shared_ptr<LuSVNNode> nodeAtPath(const LocalPath& path, const svn_wc_status2_t* status,
                                                  const Context& context);
+
+    /// The node of the item at the path alone, with its status as a status
+    /// walk with the options would report it (depth empty; the item is
+    /// reported even when unmodified). Null when Subversion reports nothing
+    /// for the path. Raises "Invalid parameter not satisfying: path != nil"
+    /// (and "context != nil").
+    static std::shared_ptr<LuSVNNode> nodeWithStatusAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+                                                           const Context& context);
 
     // --- Fields -----------------------------------------------------------------
 

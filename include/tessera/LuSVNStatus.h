@@ -109,8 +109,9 @@ public:
     ///    lock, and from the entry (when there is one) the last change,
     ///    the deleted, absent, has-properties and property-modification
     ///    flags, the schedule, the copy source, the conflict file names, the
-    ///    property reject file, the text and property times and the checksum;
-    ///  - 1.5 and later: the depth, from the entry;
+    ///    property reject file, the text and property times, the checksum
+    ///    and the working revision;
+    ///  - 1.5 and later: the depth and the change list, from the entry;
     ///  - 1.6 and later: the pristine kinds, the file-external flag and the
     ///    tree conflict.
     /// Raises "Invalid parameter not satisfying: status != NULL" for null.
@@ -164,6 +165,9 @@ public:
     LuSVNStatusKind pristinePropertyStatus() const { return pristinePropertyStatus_; }
     void setPristinePropertyStatus(LuSVNStatusKind kind) { pristinePropertyStatus_ = kind; }
 
+    /// The revision the working copy holds of the item ("workingRevision").
+    std::int32_t workingRevision() const { return workingRevision_; }
+    void setWorkingRevision(std::int32_t revision) { workingRevision_ = revision; }
     /// The last commit that changed the item ("lastChangedRevision",
     /// "lastChangedDate", "lastChangedAuthor").
     std::int32_t lastChangedRevision() const { return lastChangedRevision_; }
@@ -252,6 +256,10 @@ public:
     /// The lock held in the repository ("repositoryLock").
     const std::shared_ptr<const LuSVNLock>& repositoryLock() const { return repositoryLock_; }
     void setRepositoryLock(std::shared_ptr<const LuSVNLock> lock) { repositoryLock_ = std::move(lock); }
+    /// The change list the item belongs to; backends 1.5 and later
+    /// ("changelist").
+    const std::optional<std::string>& changelist() const { return changelist_; }
+    void setChangelist(std::optional<std::string> name) { changelist_ = std::move(name); }
     /// The item's depth; not archived.
     LuSVNDepth depth() const { return depth_; }
     void setDepth(LuSVNDepth depth) { depth_ = depth; }
@@ -289,6 +297,7 @@ private:
     LuSVNStatusKind repositoryPropertyStatus_ = LuSVNStatusNone;
     LuSVNStatusKind pristineTextStatus_ = LuSVNStatusNone;
     LuSVNStatusKind pristinePropertyStatus_ = LuSVNStatusNone;
+    std::int32_t workingRevision_ = LuSVNInvalidRevision;
     std::int32_t lastChangedRevision_ = LuSVNInvalidRevision;
     std::optional<Date> lastChangedDate_;
     std::optional<std::string> lastChangedAuthor_;
@@ -309,6 +318,7 @@ private:
     std::optional<Date> upToDatePropertyDate_;
     std::optional<std::string> checksum_;
     std::shared_ptr<const LuSVNLock> repositoryLock_;
+    std::optional<std::string> changelist_;
     LuSVNDepth depth_ = LuSVNDepthUnknown;
     std::shared_ptr<const LuSVNConflict> treeConflict_;
 };

@@ -1,4 +1,5 @@
 #include <tessera/LuSVNContext.h>
+#include <tessera/LuSVNDateConversion.h>
 #include <tessera/LuSVNDefinitions.h>
 #include <tessera/LuSVNDirectory.h>
 #include <tessera/LuSVNExternalDefinition.h>
@@ -6,6 +7,7 @@
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
 #include "LuSVNNode+Properties.h"
+#include "LuSVNStatusBaton.h"
 #include "LuSVNTrace.h"
 
 namespace {
@@ -59,4 +61,266 @@ LuSVNNode::PathSet LuSVNDirectory::externalsForPath(const LocalPath& path, const
          parent = std::static_pointer_cast<const LuSVNLocalPath>(parent->parent()))
         addExternalsTargets(externals, parent, false, *context, frame.pool());
     return externals;
+}
+
+namespace {
+
+// The externals a walk of the path may meet, by path text.
+LuSVNPathStrings externalsByText(const LuSVNNode::LocalPath& path, const LuSVNNode::Context& context)
+{
+    LuSVNPathStrings texts;
+    for (const auto& external : LuSVNDirectory::externalsForPath(path, context))
+        texts.insert(external->string());
+    return texts;
+}
+
+}  // namespace
+
+LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath& path,
+                                                                  const LuSVNStatusOptions& options,
+                                                                  std::shared_ptr<LuSVNDirectory>* directory,
+                                                                  std::uint32_t* localChangeCount,
+                                                                  std::uint32_t* remoteChangeCount,
+                                                                  const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDirectory", "statusForNodesInDirectoryAtPath:withOptions:directory:localChangeCount:"
+                "remoteChangeCount:withContext",
+                {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
+    LuSVNStatusBaton baton(context, path, options, nullptr);
+    baton.externals = externalsByText(path, context);
+    LuSVNBackendFrame frame(context->bundle());
+    baton.pool = frame.pool();
+
+    // Counts and aggregates need the whole tree; a caller who asked for less
+    // still gets only the root's node.
+    LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
+    if (options.propagateStatusToAncestor() ||
+        (options.compareAgainstRepository() && !options.recursive() && options.includeNormalFiles())) {
+        call.recursive = true;
+        baton.rootOnly = !options.recursive();
+    }
+    LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool());
+
+    if (directory)
+        *directory = baton.rootNode;
+    if (localChangeCount) {
+        std::uint32_t extraFiles = 0;
+        for (const std::string& file : baton.conflictFiles)
+            extraFiles += baton.unversionedPaths.contains(file);
+        *localChangeCount = baton.localChangeCount - extraFiles;
+    }
+    if (remoteChangeCount)
+        *remoteChangeCount = baton.remoteChangeCount;
+    if (!options.includeConflictVersionFiles())
+        removeVersionConflictFilesFromArray(baton.nodes, baton.conflictedNodes);
+    if (options.propagateStatusToAncestor())
+        aggregateStatii(baton.statii, baton.repositoryStatii, baton.directories);
+    return std::move(baton.nodes);
+}
+
+LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath& path,
+                                                                  const LuSVNStatusOptions& options,
+                                                                  const Context& context)
+{
+    return statusForNodesInDirectoryAtPath(path, options, nullptr, nullptr, nullptr, context);
+}
+
+void LuSVNDirectory::aggregateStatii(const StatiiByPath& statii, const StatiiByPath& reposStatii,
+                                     const Directories& directories)
+{
+    const auto word = [](const StatiiByPath& words, const std::string& key) {
+        const auto found = words.find(key);
+        return found == words.end() ? 0u : found->second;
+    };
+    for (const auto& directory : directories) {
+        const std::string& key = directory->path()->string();
+        directory->setAggregateChildStatus(word(statii, key));
+        directory->setAggregateRepositoryChildStatus(word(reposStatii, key));
+    }
+}
+
+void LuSVNDirectory::removeVersionConflictFilesFromArray(Nodes& nodes, const Nodes& conflictedNodes)
+{
+    LuSVNPathStrings extraFiles;
+    for (const auto& node : conflictedNodes) {
+        const LuSVNStatus& status = *node->status();
+        const auto add = [&](const std::optional<std::string>& name) {
+            if (name && node->location())
+                extraFiles.insert(node->location()->pathByAddingComponent(*name)->string());
+        };
+        if (status.textStatus() == LuSVNStatusConflicted) {
+            add(status.conflictOldVersion());
+            add(status.conflictNewVersion());
+            add(status.conflictWorkingVersion());
+        }
+        if (status.propertyStatus() == LuSVNStatusConflicted)
+            add(status.propertyRejectFilePath());
+    }
+    if (extraFiles.empty())
+        return;
+    std::erase_if(nodes, [&](const std::shared_ptr<LuSVNNode>& node) {
+        return node->path() && extraFiles.contains(node->path()->string());
+    });
+}
+
+namespace {
+
+// A directory's own record, and the OR of the kinds of everything else the
+// call reports.
+struct DirectoryStatusBaton {
+    std::shared_ptr<LuSVNContext> context;
+    LuSVNVersion version;
+    std::string target;
+    LuSVNPathStrings externals;
+    std::shared_ptr<LuSVNDirectory> directory;
+    std::uint32_t statii = 0;
+    std::uint32_t repositoryStatii = 0;
+    std::exception_ptr pending;
+};
+
+void LuSVNDirectoryStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
+{
+    auto* collector = static_cast<DirectoryStatusBaton*>(baton);
+    if (collector->pending)
+        return;
+    try {
+        const auto itemPath = LuSVNLocalPath::pathWithString(path);
+        if ((!status->entry || status->entry->kind == svn_node_dir) &&
+            collector->externals.contains(itemPath->string()))
+            status->text_status = svn_wc_status_external;
+        if (!collector->directory && itemPath->string() == collector->target) {
+            auto directory = LuSVNDirectory::nodeWithPath(itemPath);
+            directory->setStatus(LuSVNStatus::statusWithSVNStatus(status, collector->version));
+            if (const svn_wc_entry_t* entry = status->entry) {
+                directory->setRevision(static_cast<std::int32_t>(entry->cmt_rev));
+                directory->setDate(LuSVNDateConversion::dateWithAPRTime(entry->cmt_date));
+                if (entry->cmt_author)
+                    directory->setAuthor(std::string(entry->cmt_author));
+                directory->setHasProperties(entry->has_props != 0);
+                if (entry->url)
+                    directory->setURL(LuSVNURL::URLWithString(entry->url));
+                if (entry->lock_token)
+                    directory->setLock(LuSVNLock::lockWithPath(
+                        itemPath, entry->lock_token, entry->lock_owner ? entry->lock_owner : "",
+                        entry->lock_comment ? std::optional<std::string>(entry->lock_comment) : std::nullopt,
+                        LuSVNDateConversion::initWithAPRTime(entry->lock_creation_date), std::nullopt));
+            }
+            collector->directory = std::move(directory);
+            return;
+        }
+        LuSVNStatusAggregate(LuSVNStatus::statusKindFromSVNStatusKind(status->text_status),
+                             LuSVNStatus::statusKindFromSVNStatusKind(status->prop_status), &collector->statii);
+        LuSVNStatusAggregate(LuSVNStatus::statusKindFromSVNStatusKind(status->repos_text_status),
+                             LuSVNStatus::statusKindFromSVNStatusKind(status->repos_prop_status),
+                             &collector->repositoryStatii);
+    } catch (...) {
+        collector->pending = std::current_exception();
+    }
+}
+
+// Keeps the node of the target's record alone.
+struct NodeStatusBaton {
+    std::shared_ptr<LuSVNContext> context;
+    std::string target;
+    std::shared_ptr<LuSVNNode> node;
+    std::exception_ptr pending;
+};
+
+void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
+{
+    auto* collector = static_cast<NodeStatusBaton*>(baton);
+    if (collector->pending || collector->node)
+        return;
+    try {
+        const auto itemPath = LuSVNLocalPath::pathWithString(path);
+        if (itemPath->string() == collector->target)
+            collector->node = LuSVNNode::nodeAtPath(itemPath, status, collector->context);
+    } catch (...) {
+        collector->pending = std::current_exception();
+    }
+}
+
+}  // namespace
+
+std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const LocalPath& path,
+                                                                         const LuSVNStatusOptions& options,
+                                                                         const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", path->string()},
+                {"options", options.description()}, {"context", context->description()});
+    DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), externalsByText(path, context),
+                               nullptr, 0, 0, nullptr};
+    LuSVNBackendFrame frame(context->bundle());
+    LuSVNReportStatus(*context, path, options, LuSVNStatusCall::withOptions(options), LuSVNDirectoryStatusFunc,
+                      &baton, baton.pending, frame.pool());
+    if (!baton.directory)
+        return nullptr;
+    baton.directory->setAggregateChildStatus(baton.statii);
+    baton.directory->setAggregateRepositoryChildStatus(baton.repositoryStatii);
+    return baton.directory;
+}
+
+std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+                                                           const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", path->string()},
+                {"options", options.description()}, {"context", context->description()});
+    NodeStatusBaton baton{context, path->string(), nullptr, nullptr};
+    LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
+    call.itemOnly = true;
+    call.getAll = true;
+    LuSVNBackendFrame frame(context->bundle());
+    LuSVNReportStatus(*context, path, options, call, LuTesseraNodeStatusFunc, &baton, baton.pending, frame.pool());
+    return baton.node;
+}
+
+bool LuSVNDirectory::hasNodesWithStatus(std::uint32_t kinds) const
+{
+    return (aggregateChildStatus() & kinds) != 0;
+}
+
+bool LuSVNDirectory::hasUnversionedNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusUnversioned);
+}
+
+bool LuSVNDirectory::hasModifiedNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusModified);
+}
+
+bool LuSVNDirectory::hasAddedNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusAdded);
+}
+
+bool LuSVNDirectory::hasDeletedNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusDeleted);
+}
+
+bool LuSVNDirectory::hasReplacedNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusReplaced);
+}
+
+bool LuSVNDirectory::hasMissingNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusMissing);
+}
+
+bool LuSVNDirectory::hasConflictedNodes() const
+{
+    return hasNodesWithStatus(LuSVNStatusConflicted);
+}
+
+bool LuSVNDirectory::hasNodesChangedInRepository() const
+{
+    return LuSVNStatusIsAbnormal(aggregateRepositoryChildStatus());
 }

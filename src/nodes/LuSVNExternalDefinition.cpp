@@ -4,6 +4,7 @@
 #include <tessera/LuSVNStrings.h>
 
 #include <functional>
+#include <optional>
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
@@ -59,6 +60,13 @@ std::vector<LuSVNExternalDefinition> LuSVNExternalDefinition::externalDefinition
         throw LuSVNInvalidArgumentException("Externals description is not valid UTF-8");
     const std::string text(description);
     apr_array_header_t* items = nullptr;
+    // Releases before 1.5 have no parser of today's syntax; parsing is the
+    // same in every release, so the newest backend parses for them.
+    std::optional<LuSVNBackendFrame> newest;
+    if (!tessera_private::LuSVNCurrentHasEntryPoint(102)) {
+        newest.emplace(LuSVNBundleLoader::sharedInstance()->newestBundle());
+        pool = newest->pool();
+    }
     LuSVNThrowIfError(LuSVNEntry<102>()(&items, "", text.c_str(), false, pool));
     std::vector<LuSVNExternalDefinition> definitions;
     for (int i = 0; items && i < items->nelts; ++i) {

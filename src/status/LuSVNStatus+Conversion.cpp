@@ -41,6 +41,7 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::statusWithSVNStatus(const svn_wc_statu
     result->outOfDateLastCommitAuthor_ = LuSVNOptionalString(status->ood_last_cmt_author);
 
     if (const svn_wc_entry_t* entry = status->entry) {
+        result->workingRevision_ = static_cast<std::int32_t>(entry->revision);
         result->lastChangedRevision_ = static_cast<std::int32_t>(entry->cmt_rev);
         result->lastChangedDate_ = LuSVNDateConversion::dateWithAPRTime(entry->cmt_date);
         result->lastChangedAuthor_ = LuSVNOptionalString(entry->cmt_author);
@@ -60,8 +61,10 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::statusWithSVNStatus(const svn_wc_statu
         result->upToDatePropertyDate_ = LuSVNDateConversion::dateWithAPRTime(entry->prop_time);
         result->checksum_ = LuSVNOptionalString(entry->checksum);
         // The entries of 1.4 end before the depth.
-        if (version.isGreaterThanOrEqualTo(LuSVNVersion::version1_5()))
+        if (version.isGreaterThanOrEqualTo(LuSVNVersion::version1_5())) {
             result->depth_ = entry->depth;
+            result->changelist_ = LuSVNOptionalString(entry->changelist);
+        }
     }
 
     if (status->repos_lock)

@@ -93,6 +93,7 @@ void LuSVNStatus::encodeWithCoder(LuSVNCoder& coder) const
     coder.encodeInt64(repositoryPropertyStatus_, "repositoryPropertyStatus");
     coder.encodeInt64(pristineTextStatus_, "pristineTextStatus");
     coder.encodeInt64(pristinePropertyStatus_, "pristinePropertyStatus");
+    coder.encodeInt64(workingRevision_, "workingRevision");
     coder.encodeInt64(lastChangedRevision_, "lastChangedRevision");
     LuSVNEncodeDate(coder, lastChangedDate_, "lastChangedDate");
     coder.encodeString(lastChangedAuthor_, "lastChangedAuthor");
@@ -120,6 +121,7 @@ void LuSVNStatus::encodeWithCoder(LuSVNCoder& coder) const
     LuSVNEncodeDate(coder, upToDatePropertyDate_, "upToDatePropertyDate");
     coder.encodeString(checksum_, "checksum");
     coder.encodeObject(repositoryLock_, "repositoryLock");
+    coder.encodeString(changelist_, "changelist");
     coder.encodeObject(treeConflict_, "treeConflict");
 }
 
@@ -141,6 +143,7 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::initWithCoder(LuSVNCoder& coder)
     result->repositoryPropertyStatus_ = kind("repositoryPropertyStatus");
     result->pristineTextStatus_ = kind("pristineTextStatus");
     result->pristinePropertyStatus_ = kind("pristinePropertyStatus");
+    result->workingRevision_ = revision("workingRevision");
     result->lastChangedRevision_ = revision("lastChangedRevision");
     result->lastChangedDate_ = LuSVNDecodeDate(coder, "lastChangedDate");
     result->lastChangedAuthor_ = coder.decodeStringForKey("lastChangedAuthor");
@@ -168,6 +171,7 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::initWithCoder(LuSVNCoder& coder)
     result->upToDatePropertyDate_ = LuSVNDecodeDate(coder, "upToDatePropertyDate");
     result->checksum_ = coder.decodeStringForKey("checksum");
     result->repositoryLock_ = coder.decodeObjectOfClassForKey<LuSVNLock>("repositoryLock");
+    result->changelist_ = coder.decodeStringForKey("changelist");
     result->treeConflict_ = coder.decodeObjectOfClassForKey<LuSVNConflict>("treeConflict");
     return result;
 }

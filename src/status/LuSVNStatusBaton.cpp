@@ -1,0 +1,264 @@
+#include "LuSVNStatusBaton.h"
+
+#include <tessera/LuSVNException.h>
+
+#include <algorithm>
+
+#include "LuSVNAssert.h"
+#include "LuSVNBackendFrame.h"
+#include "LuSVNStatus+ClientStatus.h"
+
+namespace {
+
+bool abnormal(svn_wc_status_kind kind)
+{
+    return LuSVNStatusIsAbnormal(LuSVNStatus::statusKindFromSVNStatusKind(kind));
+}
+
+// Adds a conflict's extra file, named relative to the item's directory.
+void LuSVNStatusAddConflictFile(const std::string& itemPath, const char* name, LuSVNStatusBaton& baton)
+{
+    if (!name)
+        return;
+    std::string file(LuSVNParentPathString(itemPath));
+    if (file.back() != '/')
+        file += '/';
+    baton.conflictFiles.insert(file + name);
+}
+
+// Placeholders for the parents of an external directory that the walk did not
+// report, so that a browser can show the folders leading to it.
+void LuSVNStatusAddMissingParentDirectoriesForNode(const LuSVNNode& node, LuSVNStatusBaton& baton)
+{
+    for (auto parent = std::static_pointer_cast<const LuSVNLocalPath>(node.path()->parent()); parent;
+         parent = std::static_pointer_cast<const LuSVNLocalPath>(parent->parent())) {
+        const std::string& key = parent->string();
+        if (baton.directoriesByPath.contains(key) || !parent->isDescendentOfPath(baton.rootPath))
+            return;
+        auto placeholder = LuSVNDirectory::nodeWithPath(parent);
+        auto status = LuSVNStatus::unversioned();
+        status->setTextStatus(LuSVNStatusExternal);
+        placeholder->setStatus(std::move(status));
+        baton.directoriesByPath.emplace(key, placeholder);
+        baton.placeholders.insert(key);
+        baton.directories.push_back(placeholder);
+        baton.nodes.push_back(placeholder);
+    }
+}
+
+template <class Vector, class Element>
+void eraseLast(Vector& vector, const Element& element)
+{
+    const auto found = std::find(vector.rbegin(), vector.rend(), element);
+    if (found != vector.rend())
+        vector.erase(std::next(found).base());
+}
+
+// A directory reported twice (an external, once from its parent as external
+// and once from inside; or a placeholder reported for real) keeps one node:
+// the newer, with the external mark of a real earlier report.
+void enterDirectory(const std::shared_ptr<LuSVNDirectory>& directory, LuSVNStatusBaton& baton)
+{
+    const std::string& key = directory->path()->string();
+    const auto earlier = baton.directoriesByPath.find(key);
+    if (earlier != baton.directoriesByPath.end()) {
+        const bool placeholder = baton.placeholders.erase(key) != 0;
+        if (!placeholder && earlier->second->status()->textStatus() == LuSVNStatusExternal)
+            directory->status()->setTextStatus(LuSVNStatusExternal);
+        const std::shared_ptr<LuSVNNode> earlierNode = earlier->second;
+        eraseLast(baton.nodes, earlierNode);
+        eraseLast(baton.directories, earlier->second);
+        earlier->second = directory;
+    } else {
+        baton.directoriesByPath.emplace(key, directory);
+    }
+    baton.directories.push_back(directory);
+    if (directory->status()->textStatus() == LuSVNStatusExternal)
+        LuSVNStatusAddMissingParentDirectoriesForNode(*directory, baton);
+    if (key == baton.rootPath->string())
+        baton.rootNode = directory;
+}
+
+void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* status)
+{
+    const auto path = LuSVNLocalPath::pathWithString(itemPath);
+    const std::string& key = path->string();
+    const LuSVNStatusOptions& options = *baton.options;
+
+    if ((!status->entry || status->entry->kind == svn_node_dir) && baton.externals.contains(key))
+        status->text_status = svn_wc_status_external;
+    // Asked and unchanged reads as normal, not as not asked.
+    if (options.compareAgainstRepository()) {
+        if (status->repos_text_status == svn_wc_status_none)
+            status->repos_text_status = svn_wc_status_normal;
+        if (status->repos_prop_status == svn_wc_status_none)
+            status->repos_prop_status = svn_wc_status_normal;
+    }
+
+    if (abnormal(status->text_status) || abnormal(status->prop_status)) {
+        if (!options.includeConflictVersionFiles() && status->entry) {
+            if (status->text_status == svn_wc_status_conflicted) {
+                LuSVNStatusAddConflictFile(key, status->entry->conflict_old, baton);
+                LuSVNStatusAddConflictFile(key, status->entry->conflict_new, baton);
+                LuSVNStatusAddConflictFile(key, status->entry->conflict_wrk, baton);
+            }
+            if (status->prop_status == svn_wc_status_conflicted)
+                LuSVNStatusAddConflictFile(key, status->entry->prejfile, baton);
+        }
+        if (status->text_status == svn_wc_status_unversioned)
+            baton.unversionedPaths.insert(key);
+        ++baton.localChangeCount;
+    }
+    if (abnormal(status->repos_text_status) || abnormal(status->repos_prop_status))
+        ++baton.remoteChangeCount;
+
+    if (key != baton.rootPath->string()) {
+        if (options.propagateStatusToAncestor()) {
+            const std::string& root = baton.rootPath->string();
+            LuSVNStatusPropagateStatiiToAncestors(key, root, LuSVNStatus::statusKindFromSVNStatusKind(status->text_status),
+                                                  LuSVNStatus::statusKindFromSVNStatusKind(status->prop_status),
+                                                  baton.statii);
+            LuSVNStatusPropagateStatiiToAncestors(
+                key, root, LuSVNStatus::statusKindFromSVNStatusKind(status->repos_text_status),
+                LuSVNStatus::statusKindFromSVNStatusKind(status->repos_prop_status), baton.repositoryStatii);
+        }
+        if (baton.rootOnly)
+            return;
+    }
+
+    const auto node = LuSVNNode::nodeAtPath(path, status, baton.context);
+    if (node->isDirectory())
+        enterDirectory(std::static_pointer_cast<LuSVNDirectory>(node), baton);
+    if (status->text_status == svn_wc_status_conflicted || status->prop_status == svn_wc_status_conflicted)
+        baton.conflictedNodes.push_back(node);
+    baton.nodes.push_back(node);
+}
+
+// What the 1.7 callback needs to hand a record on in the older form.
+struct ClientStatusForward {
+    svn_wc_status_func2_t func;
+    void* baton;
+    svn_client_ctx_t* ctx;
+    std::exception_ptr* pending;
+};
+
+svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_client_status_t* status,
+                                   apr_pool_t* pool)
+{
+    auto* forward = static_cast<ClientStatusForward*>(baton);
+    return LuSVNGuardCallback(*forward->pending, [&]() -> svn_error_t* {
+        LUSVN_PARAMETER_ASSERT(path != nullptr, "path != NULL");
+        LUSVN_PARAMETER_ASSERT(status != nullptr, "stat != NULL");
+        LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
+        if (svn_error_t* error = LuSVNClientStatusToWCStatus(
+                forward->ctx, path, status, pool,
+                [forward](const char* itemPath, svn_wc_status2_t* record) {
+                    forward->func(forward->baton, itemPath, record);
+                }))
+            return error;
+        // The handler keeps its exceptions; stop the walk at the first.
+        if (*forward->pending)
+            return LuSVNCreateError(LuSVNCallbackAbortStatus(), "Operation was cancelled", __FILE__, __LINE__);
+        return nullptr;
+    });
+}
+
+}  // namespace
+
+LuSVNStatusBaton::LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
+                                   const LuSVNStatusOptions& walkOptions, apr_pool_t* walkPool)
+    : context(std::move(walkContext)), version(*context->bundleVersion()), pool(walkPool),
+      rootPath(std::move(root)), options(&walkOptions)
+{
+    // Working copies of many thousand items are walked.
+    nodes.reserve(5000);
+    directories.reserve(500);
+    directoriesByPath.reserve(500);
+    statii.reserve(500);
+    repositoryStatii.reserve(500);
+}
+
+void LuSVNStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
+{
+    auto* walk = static_cast<LuSVNStatusBaton*>(baton);
+    if (walk->pending)
+        return;
+    try {
+        LUSVN_PARAMETER_ASSERT(baton != nullptr, "baton != NULL");
+        LUSVN_PARAMETER_ASSERT(path != nullptr, "path != NULL");
+        LUSVN_PARAMETER_ASSERT(status != nullptr, "status != NULL");
+        walkItem(*walk, path, status);
+    } catch (...) {
+        walk->pending = std::current_exception();
+    }
+}
+
+bool LuSVNStatusAggregate(std::uint32_t a, std::uint32_t b, std::uint32_t* aggregate)
+{
+    LUSVN_PARAMETER_ASSERT(aggregate != nullptr, "aggregate != NULL");
+    const std::uint32_t before = *aggregate;
+    *aggregate |= a | b;
+    return *aggregate != before;
+}
+
+std::string_view LuSVNParentPathString(std::string_view path)
+{
+    const auto slash = path.rfind('/');
+    if (slash == std::string_view::npos || path.size() == 1)
+        return {};
+    return slash == 0 ? path.substr(0, 1) : path.substr(0, slash);
+}
+
+void LuSVNStatusPropagateStatiiToAncestors(std::string_view childPath, std::string_view rootPath,
+                                           std::uint32_t kindA, std::uint32_t kindB,
+                                           LuSVNDirectory::StatiiByPath& statii)
+{
+    if (!LuSVNStatusIsAbnormal(kindA) && !LuSVNStatusIsAbnormal(kindB))
+        return;
+    // Only ancestors within the root, the root included.
+    const bool below = childPath.size() > rootPath.size() && childPath.starts_with(rootPath) &&
+                       (rootPath.back() == '/' || childPath[rootPath.size()] == '/');
+    if (!below)
+        return;
+    for (std::string_view current = childPath; current.size() > rootPath.size();) {
+        current = LuSVNParentPathString(current);
+        if (!LuSVNStatusAggregate(kindA, kindB, &statii[std::string(current)]))
+            return;
+    }
+}
+
+LuSVNStatusCall LuSVNStatusCall::withOptions(const LuSVNStatusOptions& options)
+{
+    LuSVNStatusCall call;
+    call.recursive = options.recursive();
+    call.getAll = options.includeNormalFiles();
+    call.update = options.compareAgainstRepository();
+    call.noIgnore = !options.respectIgnoreProperties();
+    call.ignoreExternals = !options.processExternals();
+    return call;
+}
+
+void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
+                       const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
+                       std::exception_ptr& pending, apr_pool_t* pool)
+{
+    const svn_opt_revision_t revision = options.revision()->SVNRevision();
+    const char* target = path->SVNRepresentationInPool(pool);
+    svn_error_t* error;
+    if (context.bundleVersion()->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())) {
+        const svn_depth_t depth =
+            call.itemOnly ? svn_depth_empty : call.recursive ? svn_depth_infinity : svn_depth_immediates;
+        ClientStatusForward forward{func, baton, context.ctx(), &pending};
+        // Depth as sticky: a sparse directory is walked as deep as it is, as
+        // the svn client does.
+        error = LuSVNEntry<70>()(nullptr, context.ctx(), target, &revision, depth, call.getAll, call.update,
+                                 call.noIgnore, call.ignoreExternals, true, nullptr, LuSVNClientStatusFunc, &forward,
+                                 pool);
+    } else {
+        error = LuSVNEntry<68>()(nullptr, target, &revision, func, baton, call.recursive && !call.itemOnly,
+                                 call.getAll, call.update, call.noIgnore, call.ignoreExternals, context.ctx(), pool);
+    }
+    if (pending)
+        LuSVNRethrowPending(pending, error);
+    context.throwIfError(error);
+}
