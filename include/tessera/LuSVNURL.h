@@ -153,6 +153,11 @@ public:
     /// trimmed and "/" alone answers the receiver. A component of nothing but
     /// "/" raises LuSVNInvalidArgumentException "Valid component required".
     Path pathByAddingComponent(const std::string& component) const override;
+    /// The URL below this one at a relative path that is escaped already
+    /// and canonical, as Subversion makes them ("a/b%20c"), without parsing
+    /// the result again: status walks make one for every item. An empty
+    /// path answers the receiver.
+    std::shared_ptr<const LuSVNURL> URLByAppendingEscapedRelativePath(std::string_view relativePath) const;
     /// pathByAddingComponent of the component percent-escaped.
     Path pathByNormalizingAndAddingComponent(const std::string& component) const override;
     /// Subversion's svn_uri_canonicalize (entry point 29), or

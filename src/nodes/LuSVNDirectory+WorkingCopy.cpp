@@ -32,6 +32,18 @@ void addExternalsTargets(LuSVNNode::PathSet& externals, const LuSVNNode::LocalPa
     }
 }
 
+// The targets of the definitions on each directory above the path, for as
+// long as it is a working copy.
+void addExternalsTargetsAbove(LuSVNNode::PathSet& externals, const LuSVNNode::LocalPath& path,
+                              const LuSVNNode::Context& context)
+{
+    LuSVNBackendFrame frame(context->bundle());
+    for (auto parent = std::static_pointer_cast<const LuSVNLocalPath>(path->parent());
+         parent && LuSVNNode::formatVersionForWorkingCopyAtPath(parent->string(), context->bundle()) != 0;
+         parent = std::static_pointer_cast<const LuSVNLocalPath>(parent->parent()))
+        addExternalsTargets(externals, parent, false, *context, frame.pool());
+}
+
 }  // namespace
 
 LuSVNNode::PathSet LuSVNDirectory::externalsInDirectoryAtPath(const LocalPath& path, const Context& context)
@@ -53,23 +65,20 @@ LuSVNNode::PathSet LuSVNDirectory::externalsForPath(const LocalPath& path, const
     LUSVN_TRACE("LuSVNDirectory", "externalsForPath:withContext", {"path", path->string()},
                 {"context", context->description()});
     PathSet externals = externalsInDirectoryAtPath(path, context);
-    LuSVNBackendFrame frame(context->bundle());
-    // Only the directories above can define externals below the path besides
-    // those already read.
-    for (auto parent = std::static_pointer_cast<const LuSVNLocalPath>(path->parent());
-         parent && formatVersionForWorkingCopyAtPath(parent->string(), context->bundle()) != 0;
-         parent = std::static_pointer_cast<const LuSVNLocalPath>(parent->parent()))
-        addExternalsTargets(externals, parent, false, *context, frame.pool());
+    addExternalsTargetsAbove(externals, path, context);
     return externals;
 }
 
 namespace {
 
-// The externals a walk of the path may meet, by path text.
-LuSVNPathStrings externalsByText(const LuSVNNode::LocalPath& path, const LuSVNNode::Context& context)
+// The externals defined above the path, by path text; the walk learns those
+// below as it enters them.
+LuSVNPathStrings externalsAbove(const LuSVNNode::LocalPath& path, const LuSVNNode::Context& context)
 {
+    LuSVNNode::PathSet externals;
+    addExternalsTargetsAbove(externals, path, context);
     LuSVNPathStrings texts;
-    for (const auto& external : LuSVNDirectory::externalsForPath(path, context))
+    for (const auto& external : externals)
         texts.insert(external->string());
     return texts;
 }
@@ -89,7 +98,7 @@ LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath
                 "remoteChangeCount:withContext",
                 {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
     LuSVNStatusBaton baton(context, path, options, nullptr);
-    baton.externals = externalsByText(path, context);
+    baton.externals = externalsAbove(path, context);
     LuSVNBackendFrame frame(context->bundle());
     baton.pool = frame.pool();
 
@@ -101,7 +110,8 @@ LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath
         call.recursive = true;
         baton.rootOnly = !options.recursive();
     }
-    LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool());
+    LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool(),
+                      &baton.externals);
 
     if (directory)
         *directory = baton.rootNode;
@@ -252,11 +262,11 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const L
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", path->string()},
                 {"options", options.description()}, {"context", context->description()});
-    DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), externalsByText(path, context),
+    DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), externalsAbove(path, context),
                                nullptr, 0, 0, nullptr};
     LuSVNBackendFrame frame(context->bundle());
     LuSVNReportStatus(*context, path, options, LuSVNStatusCall::withOptions(options), LuSVNDirectoryStatusFunc,
-                      &baton, baton.pending, frame.pool());
+                      &baton, baton.pending, frame.pool(), &baton.externals);
     if (!baton.directory)
         return nullptr;
     baton.directory->setAggregateChildStatus(baton.statii);

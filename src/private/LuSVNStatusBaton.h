@@ -18,6 +18,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "LuSVNStatusNodeMaker.h"
 #include "LuSVNSubversion.h"
 
 using LuSVNPathStrings = std::unordered_set<std::string>;
@@ -25,7 +26,7 @@ using LuSVNPathStrings = std::unordered_set<std::string>;
 /// One walk's state; lives on the walking thread's stack for one backend call.
 struct LuSVNStatusBaton {
     std::shared_ptr<LuSVNContext> context;
-    LuSVNVersion version;  // the context's backend's, read once
+    LuSVNStatusNodeMaker maker;
     apr_pool_t* pool = nullptr;
     std::shared_ptr<LuSVNDirectory> rootNode;
     LuSVNNode::LocalPath rootPath;
@@ -86,6 +87,12 @@ struct LuSVNStatusCall {
     /// The call's flags from the walk's options.
     static LuSVNStatusCall withOptions(const LuSVNStatusOptions& options);
 };
+///
+/// `externals`, when given, gains the path of every external that the call
+/// walks, before any item of it is handed over: Subversion announces each
+/// (svn_wc_notify_status_external) to the context's notification function,
+/// which the call wraps for its duration. Reading the definitions of the
+/// whole tree instead would cost a tenth of the walk.
 void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
                        const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
-                       std::exception_ptr& pending, apr_pool_t* pool);
+                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals = nullptr);

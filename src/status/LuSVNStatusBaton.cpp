@@ -3,6 +3,7 @@
 #include <tessera/LuSVNException.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
@@ -96,7 +97,8 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
     }
 
     if (abnormal(status->text_status) || abnormal(status->prop_status)) {
-        if (!options.includeConflictVersionFiles() && status->entry) {
+        // Kept whatever the options: a conflict's extra files never count.
+        if (status->entry) {
             if (status->text_status == svn_wc_status_conflicted) {
                 LuSVNStatusAddConflictFile(key, status->entry->conflict_old, baton);
                 LuSVNStatusAddConflictFile(key, status->entry->conflict_new, baton);
@@ -126,7 +128,7 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
             return;
     }
 
-    const auto node = LuSVNNode::nodeAtPath(path, status, baton.context);
+    const auto node = baton.maker.nodeAtPath(path, status);
     if (node->isDirectory())
         enterDirectory(std::static_pointer_cast<LuSVNDirectory>(node), baton);
     if (status->text_status == svn_wc_status_conflicted || status->prop_status == svn_wc_status_conflicted)
@@ -163,11 +165,49 @@ svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_clie
     });
 }
 
+// Notes the externals that Subversion enters, then notifies as before.
+struct ExternalsListener {
+    svn_client_ctx_t* ctx;
+    svn_wc_notify_func2_t notify;
+    void* notifyBaton;
+    LuSVNPathStrings* externals;
+    std::exception_ptr* pending;
+
+    ExternalsListener(svn_client_ctx_t* clientContext, LuSVNPathStrings* found, std::exception_ptr* kept)
+        : ctx(clientContext), notify(clientContext->notify_func2), notifyBaton(clientContext->notify_baton2),
+          externals(found), pending(kept)
+    {
+        ctx->notify_func2 = LuSVNExternalsNotifyFunc;
+        ctx->notify_baton2 = this;
+    }
+    ~ExternalsListener()
+    {
+        ctx->notify_func2 = notify;
+        ctx->notify_baton2 = notifyBaton;
+    }
+    ExternalsListener(const ExternalsListener&) = delete;
+    ExternalsListener& operator=(const ExternalsListener&) = delete;
+
+    static void LuSVNExternalsNotifyFunc(void* baton, const svn_wc_notify_t* notification, apr_pool_t* pool)
+    {
+        auto* listener = static_cast<ExternalsListener*>(baton);
+        if (notification->action == svn_wc_notify_status_external && notification->path && !*listener->pending) {
+            try {
+                listener->externals->insert(LuSVNLocalPath::pathWithString(notification->path)->string());
+            } catch (...) {
+                *listener->pending = std::current_exception();
+            }
+        }
+        if (listener->notify)
+            listener->notify(listener->notifyBaton, notification, pool);
+    }
+};
+
 }  // namespace
 
 LuSVNStatusBaton::LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
                                    const LuSVNStatusOptions& walkOptions, apr_pool_t* walkPool)
-    : context(std::move(walkContext)), version(*context->bundleVersion()), pool(walkPool),
+    : context(std::move(walkContext)), maker(*context), pool(walkPool),
       rootPath(std::move(root)), options(&walkOptions)
 {
     // Working copies of many thousand items are walked.
@@ -240,8 +280,11 @@ LuSVNStatusCall LuSVNStatusCall::withOptions(const LuSVNStatusOptions& options)
 
 void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
                        const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
-                       std::exception_ptr& pending, apr_pool_t* pool)
+                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals)
 {
+    std::optional<ExternalsListener> listener;
+    if (externals)
+        listener.emplace(context.ctx(), externals, &pending);
     const svn_opt_revision_t revision = options.revision()->SVNRevision();
     const char* target = path->SVNRepresentationInPool(pool);
     svn_error_t* error;

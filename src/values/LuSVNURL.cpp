@@ -403,6 +403,24 @@ LuSVNPath::Path LuSVNURL::pathByAddingComponent(const std::string& component) co
     return URLWithString(text + trimmed);
 }
 
+std::shared_ptr<const LuSVNURL> LuSVNURL::URLByAppendingEscapedRelativePath(std::string_view relativePath) const
+{
+    if (relativePath.empty())
+        return std::static_pointer_cast<const LuSVNURL>(self());
+    // The path must end the URL for the copy's parts to stay right.
+    if (!url_.ends_with(rawPath_) || url_.find_first_of("?#", url_.find("://") + 3) != std::string::npos)
+        return std::static_pointer_cast<const LuSVNURL>(pathByAddingComponent(std::string(relativePath)));
+    auto child = std::shared_ptr<LuSVNURL>(new LuSVNURL(*this));
+    const bool slash = child->url_.back() == '/' && child->url_ != "file://";
+    if (!slash)
+        child->url_ += '/';
+    child->url_ += relativePath;
+    if (child->rawPath_.empty() || child->rawPath_.back() != '/')
+        child->rawPath_ += '/';
+    child->rawPath_ += relativePath;
+    return child;
+}
+
 LuSVNPath::Path LuSVNURL::pathByNormalizingAndAddingComponent(const std::string& component) const
 {
     LUSVN_PARAMETER_ASSERT(!component.empty(), "component != nil && [component length] > 0");
