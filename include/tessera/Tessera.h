@@ -96,4 +96,5 @@
 #include <tessera/LuSVNUnlockOptions.h>
 #include <tessera/LuSVNUpdateOptions.h>
 #include <tessera/LuSVNUsernameCredentials.h>
+#include <tessera/LuSVNUsernameProvider.h>
 #include <tessera/LuSVNVersion.h>

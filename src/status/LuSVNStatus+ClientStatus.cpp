@@ -1,3 +1,4 @@
+#include <cstring>
 #include <exception>
 #include <initializer_list>
 #include <string>
@@ -64,6 +65,19 @@ svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_c
             entry->prejfile = lastComponent(property->their_abspath, pool);
         return nullptr;
     });
+}
+
+// The revision that the older interface's entry reports for one item.
+struct EntryRevisionBaton {
+    const char* path;
+    svn_revnum_t revision;
+};
+
+void LuSVNEntryRevisionStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
+{
+    auto* revisionBaton = static_cast<EntryRevisionBaton*>(baton);
+    if (status->entry && std::strcmp(path, revisionBaton->path) == 0)
+        revisionBaton->revision = status->entry->revision;
 }
 
 struct TreeConflictBaton {
@@ -183,6 +197,19 @@ svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path
     svn_wc_entry_t* entry = nullptr;
     if (clientStatus->repos_root_url && clientStatus->repos_relpath) {
         entry = entryForClientStatus(clientStatus, pool);
+        // A deleted or replaced item has no revision of its own here; the
+        // older interface still reads the one it replaces, as svn shows.
+        if (!SVN_IS_VALID_REVNUM(entry->revision) &&
+            isOneOf(clientStatus->node_status, {svn_wc_status_deleted, svn_wc_status_replaced})) {
+            svn_opt_revision_t unspecified{};
+            unspecified.kind = svn_opt_revision_unspecified;
+            const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
+            EntryRevisionBaton baton{abspath, SVN_INVALID_REVNUM};
+            if (svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNEntryRevisionStatusFunc,
+                                                      &baton, false, true, false, false, true, ctx, pool))
+                return error;
+            entry->revision = baton.revision;
+        }
         if (clientStatus->text_status == svn_wc_status_conflicted ||
             clientStatus->prop_status == svn_wc_status_conflicted) {
             svn_opt_revision_t unspecified{};

@@ -4,6 +4,7 @@
 #include <tessera/LuSVNBundleLoader.h>
 #include <tessera/LuSVNBundleStack.h>
 #include <tessera/LuSVNBuiltInAuthenticationProvider.h>
+#include <tessera/LuSVNUsernameProvider.h>
 #include <tessera/LuSVNDefinitions.h>
 #include <tessera/LuSVNPlatformExceptions.h>
 #include <tessera/LuSVNUsernameCredentials.h>
@@ -21,23 +22,6 @@ using namespace auth_test;
 namespace {
 
 using tessera_test::expectParameterAssertion;
-
-// Subversion's own "svn.username" provider (entry point 79) as an object.
-class WrappedUsernameProvider : public LuSVNBuiltInAuthenticationProvider {
-public:
-    const LuSVNCredentialsClass& credentialsClass() const override { return LuSVNUsernameCredentials::classObject(); }
-    svn_auth_provider_object_t* builtInProviderObjectFromPool(apr_pool_t* pool) override
-    {
-        LuSVNBuiltInAuthenticationProvider::builtInProviderObjectFromPool(pool);
-        svn_auth_provider_object_t* provider = nullptr;
-        LuSVNEntry<79>()(&provider, pool);
-        return provider;
-    }
-    std::shared_ptr<LuSVNAuthenticationProvider> copy() const override
-    {
-        return std::make_shared<WrappedUsernameProvider>(*this);
-    }
-};
 
 class AuthenticationStackTest : public testing::Test {
 protected:
@@ -278,7 +262,7 @@ TEST_F(AuthenticationStackTest, ProviderExceptionsGiveNoCredentialsButSavingRais
 
 TEST_F(AuthenticationStackTest, SubversionsOwnProviderWrappedAsAnObject)
 {
-    auto wrapped = std::make_shared<WrappedUsernameProvider>();
+    auto wrapped = std::make_shared<LuSVNUsernameProvider>();
     EXPECT_EQ(wrapped->providerObject(), nullptr);
     stack->addProvider(wrapped);
     ASSERT_NE(wrapped->providerObject(), nullptr);
@@ -296,7 +280,7 @@ TEST_F(AuthenticationStackTest, SubversionsOwnProviderWrappedAsAnObject)
     EXPECT_EQ(stack->nextCredentialsOfKind(username, "<svn://h> R", iterator), nullptr);
     EXPECT_EQ(wrapped->threadRetryCount(), 1);
     EXPECT_EQ(wrapped->threadRetryCountKey(), wrapped->description() + ":retryCount");
-    EXPECT_NE(wrapped->description().find("WrappedUsernameProvider: 0x"), std::string::npos) << wrapped->description();
+    EXPECT_NE(wrapped->description().find("LuSVNUsernameProvider: 0x"), std::string::npos) << wrapped->description();
     wrapped->setThreadRetryCount(0);
 }
 
