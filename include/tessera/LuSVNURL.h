@@ -244,6 +244,10 @@ private:
     std::optional<std::string> user_;
     std::string host_;
     std::optional<int> port_;
-    std::string rawPath_;  // as it stands in url_, escapes included
+    /// The path as it stands in url_, escapes included.
+    std::string_view rawPath() const { return std::string_view(url_).substr(rawPathStart_, rawPathLength_); }
+
+    std::size_t rawPathStart_ = 0;
+    std::size_t rawPathLength_ = 0;
     bool subversionAccepts_;
 };

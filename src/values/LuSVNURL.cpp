@@ -8,6 +8,7 @@
 #include <uriparser/Uri.h>
 
 #include <algorithm>
+#include <tuple>
 #include <vector>
 
 #include "LuSVNAssert.h"
@@ -117,14 +118,16 @@ std::optional<ParsedURL> parse(const std::string& text)
 
 // The path as it stands in a parsed text: from the "/" that ends the
 // authority to the query or fragment.
-std::string rawPathOf(std::string_view text)
+// Where the path stands in the text: its offset and length (0 for none).
+std::pair<std::size_t, std::size_t> rawPathOf(std::string_view text)
 {
-    const std::string_view rest = text.substr(text.find("://") + 3);
+    const std::size_t restStart = text.find("://") + 3;
+    const std::string_view rest = text.substr(restStart);
     const std::size_t start = rest.find_first_of("/?#");
     if (start == std::string_view::npos || rest[start] != '/')
-        return {};
+        return {text.size(), 0};
     const std::size_t end = rest.find_first_of("?#", start);
-    return std::string(rest.substr(start, end == std::string_view::npos ? end : end - start));
+    return {restStart + start, (end == std::string_view::npos ? rest.size() : end) - start};
 }
 
 }  // namespace
@@ -144,7 +147,7 @@ LuSVNURL::LuSVNURL(const std::string& text)
     user_ = std::move(parsed->user);
     host_ = std::move(parsed->host);
     port_ = parsed->port;
-    rawPath_ = rawPathOf(url_);
+    std::tie(rawPathStart_, rawPathLength_) = rawPathOf(url_);
     subversionAccepts_ = parsed->subversionAccepts;
 }
 
@@ -261,12 +264,12 @@ std::optional<std::string> LuSVNURL::user() const
 
 std::string LuSVNURL::relativePath() const
 {
-    return LuSVNAddPercentEscapes(LuSVNReplacePercentEscapes(rawPath_));
+    return LuSVNAddPercentEscapes(LuSVNReplacePercentEscapes(std::string(rawPath())));
 }
 
 std::string LuSVNURL::denormalizedRelativePath() const
 {
-    return displayForm(rawPath_);
+    return displayForm(std::string(rawPath()));
 }
 
 std::string LuSVNURL::hostAndScheme() const
@@ -276,7 +279,7 @@ std::string LuSVNURL::hostAndScheme() const
 
 std::optional<std::string> LuSVNURL::location() const
 {
-    if (rawPath_.empty())
+    if (rawPath().empty())
         return url_;
     const Path up = parent();
     if (!up)
@@ -294,7 +297,7 @@ std::optional<std::string> LuSVNURL::denormalizedLocation() const
 
 std::string LuSVNURL::lastComponent() const
 {
-    if (rawPath_.empty() || rawPath_ == "/")
+    if (rawPath().empty() || rawPath() == "/")
         return "/";
     return LuSVNLastPathComponent(url_);
 }
@@ -408,16 +411,14 @@ std::shared_ptr<const LuSVNURL> LuSVNURL::URLByAppendingEscapedRelativePath(std:
     if (relativePath.empty())
         return std::static_pointer_cast<const LuSVNURL>(self());
     // The path must end the URL for the copy's parts to stay right.
-    if (!url_.ends_with(rawPath_) || url_.find_first_of("?#", url_.find("://") + 3) != std::string::npos)
+    if (rawPathStart_ + rawPathLength_ != url_.size() || rawPathLength_ == 0)
         return std::static_pointer_cast<const LuSVNURL>(pathByAddingComponent(std::string(relativePath)));
     auto child = std::shared_ptr<LuSVNURL>(new LuSVNURL(*this));
-    const bool slash = child->url_.back() == '/' && child->url_ != "file://";
-    if (!slash)
+    child->url_.reserve(url_.size() + 1 + relativePath.size());
+    if (child->url_.back() != '/')
         child->url_ += '/';
     child->url_ += relativePath;
-    if (child->rawPath_.empty() || child->rawPath_.back() != '/')
-        child->rawPath_ += '/';
-    child->rawPath_ += relativePath;
+    child->rawPathLength_ = child->url_.size() - child->rawPathStart_;
     return child;
 }
 

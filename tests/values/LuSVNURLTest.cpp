@@ -103,6 +103,32 @@ TEST(LuSVNURLTest, Parts)
     }
 }
 
+// A URL built on its root without parsing again reads like one parsed whole.
+TEST(LuSVNURLTest, EscapedRelativePathsAppendLikeParsedText)
+{
+    const struct {
+        std::string root;
+        std::string relative;
+    } cases[] = {
+        {"file:///var/repo", "trunk/a%20b.txt"},
+        {"svn://user@host:3690/repo", "branches/x/y"},
+        {"http://host/svn/", "trunk"},
+        {"http://host", "trunk/file"},  // no path to extend: parsed instead
+        {"file:///var/repo", ""},
+    };
+    for (const auto& c : cases) {
+        const auto root = LuSVNURL::URLWithString(c.root);
+        const auto appended = root->URLByAppendingEscapedRelativePath(c.relative);
+        const auto parsed = c.relative.empty() ? root : LuSVNURL::URLWithString(
+            (c.root.back() == '/' ? c.root : c.root + "/") + c.relative);
+        EXPECT_EQ(appended->string(), parsed->string()) << c.root << " + " << c.relative;
+        EXPECT_EQ(appended->relativePath(), parsed->relativePath()) << c.root << " + " << c.relative;
+        EXPECT_EQ(appended->lastComponent(), parsed->lastComponent()) << c.root << " + " << c.relative;
+        EXPECT_EQ(appended->host(), parsed->host()) << c.root << " + " << c.relative;
+        EXPECT_EQ(appended->location(), parsed->location()) << c.root << " + " << c.relative;
+    }
+}
+
 TEST(LuSVNURLTest, Parents)
 {
     const struct {
