@@ -234,6 +234,7 @@ void LuSVNDirectoryStatusFunc(void* baton, const char* path, svn_wc_status2_t* s
 struct NodeStatusBaton {
     std::shared_ptr<LuSVNContext> context;
     std::string target;
+    LuSVNPathStrings externals;
     std::shared_ptr<LuSVNNode> node;
     std::exception_ptr pending;
 };
@@ -245,8 +246,11 @@ void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* st
         return;
     try {
         const auto itemPath = LuSVNLocalPath::pathWithString(path);
-        if (itemPath->string() == collector->target)
-            collector->node = LuSVNNode::nodeAtPath(itemPath, status, collector->context);
+        if (itemPath->string() != collector->target)
+            return;
+        if ((!status->entry || status->entry->kind == svn_node_dir) && collector->externals.contains(collector->target))
+            status->text_status = svn_wc_status_external;
+        collector->node = LuSVNNode::nodeAtPath(itemPath, status, collector->context);
     } catch (...) {
         collector->pending = std::current_exception();
     }
@@ -267,6 +271,17 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const L
     LuSVNBackendFrame frame(context->bundle());
     LuSVNReportStatus(*context, path, options, LuSVNStatusCall::withOptions(options), LuSVNDirectoryStatusFunc,
                       &baton, baton.pending, frame.pool(), &baton.externals);
+    if (!baton.directory) {
+        // Unchanged, so not reported: its record alone, as it stands.
+        LuSVNStatusCall itself = LuSVNStatusCall::withOptions(options);
+        itself.itemOnly = true;
+        itself.getAll = true;
+        const std::uint32_t statii = baton.statii, repositoryStatii = baton.repositoryStatii;
+        LuSVNReportStatus(*context, path, options, itself, LuSVNDirectoryStatusFunc, &baton, baton.pending,
+                          frame.pool());
+        baton.statii = statii;
+        baton.repositoryStatii = repositoryStatii;
+    }
     if (!baton.directory)
         return nullptr;
     baton.directory->setAggregateChildStatus(baton.statii);
@@ -281,7 +296,7 @@ std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& path
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", path->string()},
                 {"options", options.description()}, {"context", context->description()});
-    NodeStatusBaton baton{context, path->string(), nullptr, nullptr};
+    NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, nullptr};
     LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
     call.itemOnly = true;
     call.getAll = true;

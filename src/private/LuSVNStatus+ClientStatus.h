@@ -42,10 +42,13 @@ TESSERA_EXPORT void LuSVNClientStatusConvertFields(const svn_client_status_t* cl
 ///     out-of-date fields when the kind is unknown), schedule from the node
 ///     status, the copied flag, the lock, change list, size and depth,
 ///     has-properties when the property status is not none and
-///     property-modifications when it is neither none nor normal. A text or
-///     property conflict asks svn_client_info3 (entry point 55) for the
+///     property-modifications when it is neither none nor normal. A
+///     conflicted item asks svn_client_info3 (entry point 55) for the
 ///     conflict's file names (the last components of the base, their and
-///     my files; for a property conflict the reject file).
+///     my files; for a property conflict the reject file) and for the tree
+///     conflict's description. A deleted or replaced item asks
+///     svn_client_status2 (68) for the revision it replaces and, deleted,
+///     its last change.
 ///  2. Otherwise, a node status of conflicted with a text status of none (a
 ///     tree-conflict victim that is not on disk): the record that
 ///     svn_client_status4 (entry point 69) reports for the path alone, its

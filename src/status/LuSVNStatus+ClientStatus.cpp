@@ -38,8 +38,34 @@ const svn_wc_conflict_description2_t* LuSVNClientStatusFindConflictOfKind(const 
 struct ConflictInfoBaton {
     svn_wc_entry_t* entry;
     apr_pool_t* pool;  // the entry's
+    svn_wc_conflict_description_t* treeConflict;
     std::exception_ptr pending;
 };
+
+// The older form of a tree conflict's description, which the status record
+// of the older interface carries.
+svn_wc_conflict_description_t* olderConflictDescription(const svn_wc_conflict_description2_t& conflict,
+                                                       apr_pool_t* pool)
+{
+    auto* older = LuSVNPoolAllocateZeroed<svn_wc_conflict_description_t>(pool);
+    older->path = conflict.local_abspath;
+    older->node_kind = conflict.node_kind;
+    older->kind = conflict.kind;
+    older->property_name = conflict.property_name;
+    older->is_binary = conflict.is_binary;
+    older->mime_type = conflict.mime_type;
+    older->action = conflict.action;
+    older->reason = conflict.reason;
+    older->base_file = conflict.base_abspath;
+    older->their_file = conflict.their_abspath;
+    older->my_file = conflict.my_abspath;
+    older->merged_file = conflict.merged_file;
+    older->operation = conflict.operation;
+    // The older form is read only; the versions are shared, not copied.
+    older->src_left_version = const_cast<svn_wc_conflict_version_t*>(conflict.src_left_version);
+    older->src_right_version = const_cast<svn_wc_conflict_version_t*>(conflict.src_right_version);
+    return older;
+}
 
 const char* lastComponent(const char* path, apr_pool_t* pool)
 {
@@ -63,21 +89,23 @@ svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_c
         }
         if (const auto* property = LuSVNClientStatusFindConflictOfKind(conflicts, svn_wc_conflict_kind_property))
             entry->prejfile = lastComponent(property->their_abspath, pool);
+        if (const auto* tree = LuSVNClientStatusFindConflictOfKind(conflicts, svn_wc_conflict_kind_tree))
+            conflictBaton->treeConflict = olderConflictDescription(*tree, pool);
         return nullptr;
     });
 }
 
-// The revision that the older interface's entry reports for one item.
-struct EntryRevisionBaton {
+// The entry that the older interface reports for one item.
+struct OlderEntryBaton {
     const char* path;
-    svn_revnum_t revision;
+    const svn_wc_entry_t* entry;
 };
 
-void LuSVNEntryRevisionStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
+void LuSVNOlderEntryStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
 {
-    auto* revisionBaton = static_cast<EntryRevisionBaton*>(baton);
-    if (status->entry && std::strcmp(path, revisionBaton->path) == 0)
-        revisionBaton->revision = status->entry->revision;
+    auto* entryBaton = static_cast<OlderEntryBaton*>(baton);
+    if (status->entry && std::strcmp(path, entryBaton->path) == 0)
+        entryBaton->entry = status->entry;
 }
 
 struct TreeConflictBaton {
@@ -197,29 +225,39 @@ svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path
     svn_wc_entry_t* entry = nullptr;
     if (clientStatus->repos_root_url && clientStatus->repos_relpath) {
         entry = entryForClientStatus(clientStatus, pool);
-        // A deleted or replaced item has no revision of its own here; the
-        // older interface still reads the one it replaces, as svn shows.
+        // A deleted or replaced item has no revision of its own here, and a
+        // deleted one no last change; the older interface still reads those
+        // of the item it replaces, as svn shows them.
         if (!SVN_IS_VALID_REVNUM(entry->revision) &&
             isOneOf(clientStatus->node_status, {svn_wc_status_deleted, svn_wc_status_replaced})) {
             svn_opt_revision_t unspecified{};
             unspecified.kind = svn_opt_revision_unspecified;
             const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
-            EntryRevisionBaton baton{abspath, SVN_INVALID_REVNUM};
-            if (svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNEntryRevisionStatusFunc,
+            OlderEntryBaton baton{abspath, nullptr};
+            if (svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNOlderEntryStatusFunc,
                                                       &baton, false, true, false, false, true, ctx, pool))
                 return error;
-            entry->revision = baton.revision;
+            if (const svn_wc_entry_t* older = baton.entry) {
+                entry->revision = older->revision;
+                if (clientStatus->node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry->cmt_rev)) {
+                    entry->cmt_rev = older->cmt_rev;
+                    entry->cmt_date = older->cmt_date;
+                    entry->cmt_author = older->cmt_author;
+                }
+            }
         }
-        if (clientStatus->text_status == svn_wc_status_conflicted ||
-            clientStatus->prop_status == svn_wc_status_conflicted) {
+        // Text and property conflicts name their files, tree conflicts
+        // describe themselves, only in the item's info.
+        if (clientStatus->conflicted) {
             svn_opt_revision_t unspecified{};
             unspecified.kind = svn_opt_revision_unspecified;
-            ConflictInfoBaton baton{entry, pool, nullptr};
+            ConflictInfoBaton baton{entry, pool, nullptr, nullptr};
             const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
             svn_error_t* error = LuSVNEntry<55>()(abspath, &unspecified, &unspecified, svn_depth_empty, false,
                                                   false, nullptr, LuSVNClientStatusConflictInfo, &baton, ctx, pool);
             if (svn_error_t* failure = rethrowPendingOrReturn(baton.pending, error))
                 return failure;
+            wcStatus->tree_conflict = baton.treeConflict;
         }
     } else if (clientStatus->node_status == svn_wc_status_conflicted &&
                clientStatus->text_status == svn_wc_status_none) {

@@ -292,10 +292,10 @@ void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, 
         const svn_depth_t depth =
             call.itemOnly ? svn_depth_empty : call.recursive ? svn_depth_infinity : svn_depth_immediates;
         ClientStatusForward forward{func, baton, context.ctx(), &pending};
-        // Depth as sticky: a sparse directory is walked as deep as it is, as
-        // the svn client does.
+        // Depth not sticky, as the svn client asks: compared against the
+        // repository, a sparse directory does not report what it never fetched.
         error = LuSVNEntry<70>()(nullptr, context.ctx(), target, &revision, depth, call.getAll, call.update,
-                                 call.noIgnore, call.ignoreExternals, true, nullptr, LuSVNClientStatusFunc, &forward,
+                                 call.noIgnore, call.ignoreExternals, false, nullptr, LuSVNClientStatusFunc, &forward,
                                  pool);
     } else {
         error = LuSVNEntry<68>()(nullptr, target, &revision, func, baton, call.recursive && !call.itemOnly,

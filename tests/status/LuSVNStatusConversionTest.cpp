@@ -186,7 +186,8 @@ TEST_F(StatusConversion, FieldsFollowTheBackendVersion)
         EXPECT_EQ(statusOf(*nodes, "propmod.txt").pristinePropertyStatus(), LuSVNStatusModified);
     }
 
-    // Only the older record carries the tree conflict's description.
+    // The older record carries the tree conflict's description; the newest
+    // backend's gets it from the item's info.
     const auto& tree = statusOf(v16, "treeedit.txt").treeConflict();
     ASSERT_NE(tree, nullptr);
     EXPECT_EQ(tree->kind(), svn_wc_conflict_kind_tree);
@@ -202,7 +203,13 @@ TEST_F(StatusConversion, FieldsFollowTheBackendVersion)
     EXPECT_EQ(tree->leftVersion()->pegRevision(), 3);
     EXPECT_EQ(tree->rightVersion()->pegRevision(), 4);
     EXPECT_NE(statusOf(v16, "treedel.txt").treeConflict(), nullptr);
-    EXPECT_EQ(statusOf(newest, "treeedit.txt").treeConflict(), nullptr);
+    const auto& newer = statusOf(newest, "treeedit.txt").treeConflict();
+    ASSERT_NE(newer, nullptr);
+    EXPECT_EQ(newer->operation(), tree->operation());
+    EXPECT_EQ(newer->action(), tree->action());
+    EXPECT_EQ(newer->reason(), tree->reason());
+    EXPECT_EQ(newer->path()->string(), tree->path()->string());
+    EXPECT_EQ(newer->rightVersion()->pegRevision(), tree->rightVersion()->pegRevision());
 }
 
 }  // namespace
