@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <regex>
+#include <sstream>
 #include <stdexcept>
 
 #include "LuSVNBackendFrame.h"
@@ -45,6 +48,7 @@ StatusFixture::StatusFixture()
                     {"obstructed.txt", "obstructed\n"}, {"conflict.txt", "one\ntwo\nthree\n"},
                     {"propconflict.txt", "prop\n"},   {"treeedit.txt", "tree\n"},
                     {"treedel.txt", "tree\n"},        {"locked.txt", "locked\n"},
+                    {"outdated.txt", "outdated\n"},
                     {"sub/file.txt", "sub\n"},        {"sparse/a.txt", "a\n"},
                     {"sparse/inner/b.txt", "b\n"}});
     makeTree(directory_ / "lib", {{"libfile.txt", "lib\n"}});
@@ -88,6 +92,34 @@ StatusFixture::StatusFixture()
     writeFile(item("ignored.o"), "ignored\n");
     svnOrThrow({"lock", "-q", item("locked.txt")});
     svnOrThrow({"update", "-q", "--set-depth", "empty", item("sparse")});
+
+    // Revision 5, which the working copy has not seen.
+    svnOrThrow({"update", "-q", "--ignore-externals", other});
+    writeFile(other + "/outdated.txt", "newer\n");
+    writeFile(other + "/incoming.txt", "incoming\n");
+    svnOrThrow({"add", "-q", other + "/incoming.txt"});
+    svnOrThrow({"commit", "-q", "-m", "later changes", other});
+}
+
+NestedFixture::NestedFixture()
+{
+    url_ = tessera_test::makeRepository(directory_ / "repo");
+    const std::string tree = directory_ / "tree";
+    makeTree(tree, {{"top/a/b/deep.txt", "deep\n"},
+                    {"top/a/side/s.txt", "side\n"},
+                    {"top/t.txt", "t\n"},
+                    {"deep/er/x.txt", "x\n"}});
+    makeTree(directory_ / "lib", {{"libfile.txt", "lib\n"}});
+    svnOrThrow({"import", "-q", "-m", "import trunk", tree, url_ + "/trunk"});
+    svnOrThrow({"import", "-q", "-m", "import lib", directory_ / "lib", url_ + "/lib"});
+    const std::string wc = workingCopy();
+    tessera_test::checkout(url_ + "/trunk", wc);
+    svnOrThrow({"propset", "-q", "svn:externals", "^/lib deep/er/ext\n^/lib nv/w/ext2", wc});
+    svnOrThrow({"commit", "-q", "-m", "externals", wc});
+    svnOrThrow({"update", "-q", wc});
+    writeFile(item("top/a/b/deep.txt"), "changed\n");
+    writeFile(item("top/a/u.txt"), "unversioned\n");
+    svnOrThrow({"propset", "-q", "colour", "green", item("top")});
 }
 
 std::map<std::string, ClientStatus> clientStatus(const std::string& path)
@@ -118,6 +150,50 @@ std::map<std::string, ClientStatus> clientStatus(const std::string& path)
         items[(*match)[1]] = status;
     }
     return items;
+}
+
+std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> command = {"status", "--xml"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    command.push_back(path);
+    const tessera_test::CommandResult result = svn(command);
+    if (result.status != 0)
+        throw std::runtime_error("svn status failed: " + result.output);
+    static const std::regex entry(
+        R"re(<entry\s+path="([^"]*)">\s*<wc-status([^>]*)>([\s\S]*?)</wc-status>\s*(<repos-status([^>]*)>)?)re");
+    static const std::regex attribute(R"re(([\w-]+)="([^"]*)")re");
+    std::vector<ClientEntry> entries;
+    for (std::sregex_iterator match(result.output.begin(), result.output.end(), entry), end; match != end; ++match) {
+        ClientEntry item{(*match)[1], {}};
+        ClientStatus& status = item.status;
+        const std::string attributes = (*match)[2];
+        for (std::sregex_iterator a(attributes.begin(), attributes.end(), attribute); a != end; ++a) {
+            const std::string name = (*a)[1], value = (*a)[2];
+            if (name == "item")
+                status.item = value;
+            else if (name == "props")
+                status.props = value;
+            else if (name == "copied")
+                status.copied = value == "true";
+            else if (name == "switched")
+                status.switched = value == "true";
+            else if (name == "tree-conflicted")
+                status.treeConflicted = value == "true";
+            else if (name == "revision")
+                status.revision = std::stol(value);
+        }
+        status.locked = (*match)[3].str().find("<lock>") != std::string::npos;
+        const std::string repository = (*match)[5];
+        for (std::sregex_iterator a(repository.begin(), repository.end(), attribute); a != end; ++a) {
+            if ((*a)[1] == "item")
+                status.reposItem = (*a)[2];
+            else if ((*a)[1] == "props")
+                status.reposProps = (*a)[2];
+        }
+        entries.push_back(std::move(item));
+    }
+    return entries;
 }
 
 LuSVNStatusKind kindNamed(const std::string& name)
@@ -205,6 +281,181 @@ std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::strin
         LuSVNRethrowPending(collector.pending, error);
     context->throwIfError(error);
     return nodes;
+}
+
+}  // namespace tessera_status_test
+
+namespace tessera_status_test {
+
+std::shared_ptr<LuSVNNode> Walk::at(const std::string& path) const
+{
+    for (const auto& node : nodes)
+        if (node->path()->string() == path)
+            return node;
+    return nullptr;
+}
+
+Walk walk(const std::string& path, const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context)
+{
+    Walk result;
+    result.nodes = LuSVNDirectory::statusForNodesInDirectoryAtPath(LuSVNLocalPath::pathWithString(path), options,
+                                                                   &result.root, &result.localChanges,
+                                                                   &result.remoteChanges, context);
+    return result;
+}
+
+LuSVNStatusKind repositoryKindNamed(const std::string& name)
+{
+    const LuSVNStatusKind kind = kindNamed(name);
+    return kind == LuSVNStatusNone ? LuSVNStatusNormal : kind;
+}
+
+LuSVNStatusKind ExpectedItem::text() const
+{
+    return external ? LuSVNStatusExternal : kindNamed(reports.back().item);
+}
+
+std::uint32_t ExpectedItem::localKinds() const
+{
+    return text() | kindNamed(reports.back().props);
+}
+
+std::uint32_t ExpectedItem::remoteKinds() const
+{
+    return repositoryKindNamed(reports.back().reposItem) | repositoryKindNamed(reports.back().reposProps);
+}
+
+std::vector<ExpectedItem> expectedItems(const std::vector<ClientEntry>& entries, const std::set<std::string>& externals)
+{
+    std::vector<ExpectedItem> items;
+    for (const auto& entry : entries) {
+        // A path reported again moves to its newer report.
+        const auto earlier = std::find_if(items.begin(), items.end(),
+                                          [&](const ExpectedItem& item) { return item.path == entry.path; });
+        ExpectedItem item{entry.path, {}, externals.contains(entry.path)};
+        if (earlier != items.end()) {
+            item = std::move(*earlier);
+            items.erase(earlier);
+            item.external = true;
+        }
+        item.reports.push_back(entry.status);
+        item.external = item.external || entry.status.item == "external";
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+namespace {
+
+std::string statusDifferences(const LuSVNNode& node, const ClientStatus& client, LuSVNStatusKind text,
+                              unsigned fields, std::optional<long> outOfDate)
+{
+    if (!node.status())
+        return " no status";
+    const LuSVNStatus& status = *node.status();
+    std::ostringstream out;
+    const auto differ = [&](const char* what, long actual, long expected) {
+        if (actual != expected)
+            out << " " << what << " " << actual << " (svn " << expected << ")";
+    };
+    if (fields & KindsField) {
+        differ("text", status.textStatus(), text);
+        differ("props", status.propertyStatus(), kindNamed(client.props));
+    }
+    if (fields & FlagsField) {
+        differ("copied", status.isCopied(), client.copied);
+        differ("switched", status.isSwitched(), client.switched);
+        differ("lock", node.lock() != nullptr, client.locked);
+    }
+    if (fields & TreeConflictField)
+        differ("tree conflict", status.treeConflict() != nullptr, client.treeConflicted);
+    if (fields & WorkingRevisionField)
+        differ("revision", status.workingRevision(), client.revision);
+    if (fields & RepositoryField) {
+        differ("repository text", status.repositoryTextStatus(), repositoryKindNamed(client.reposItem));
+        differ("repository props", status.repositoryPropertyStatus(), repositoryKindNamed(client.reposProps));
+        // Subversion gives the roots it walks (the target, each external)
+        // their last commit even when unchanged; svn prints no such revision.
+        if (outOfDate || !node.isDirectory())
+            differ("out-of-date revision", status.outOfDateLastCommitRevision(),
+                   outOfDate.value_or(LuSVNInvalidRevision));
+    }
+    return out.str();
+}
+
+}  // namespace
+
+void expectAgreement(const Walk& walk, const std::vector<ExpectedItem>& expected, unsigned fields, bool inOrder,
+                     const std::map<std::string, long>& outOfDate)
+{
+    std::vector<std::string> reported, wanted;
+    for (const auto& node : walk.nodes)
+        reported.push_back(node->path()->string());
+    for (const auto& item : expected)
+        wanted.push_back(item.path);
+    if (!inOrder) {
+        std::sort(reported.begin(), reported.end());
+        std::sort(wanted.begin(), wanted.end());
+    }
+    EXPECT_EQ(reported, wanted);
+    for (const auto& item : expected) {
+        const auto node = walk.at(item.path);
+        if (!node)
+            continue;
+        const auto revision = outOfDate.find(item.path);
+        const std::string differences =
+            statusDifferences(*node, item.reports.back(), item.text(), fields,
+                              revision == outOfDate.end() ? std::nullopt : std::optional<long>(revision->second));
+        EXPECT_EQ(differences, "") << item.path;
+    }
+}
+
+std::uint32_t expectedLocalChanges(const std::vector<ExpectedItem>& items, const std::set<std::string>& extraFiles)
+{
+    std::uint32_t count = 0;
+    for (const auto& item : items)
+        count += LuSVNStatusIsAbnormal(item.localKinds()) && !extraFiles.contains(item.path);
+    return count;
+}
+
+std::uint32_t expectedRemoteChanges(const std::vector<ExpectedItem>& items)
+{
+    std::uint32_t count = 0;
+    for (const auto& item : items)
+        count += LuSVNStatusIsAbnormal(item.remoteKinds());
+    return count;
+}
+
+std::uint32_t expectedAggregate(const std::vector<ExpectedItem>& items, const std::string& directory, bool remote,
+                                bool everyItem)
+{
+    std::uint32_t kinds = 0;
+    for (const auto& item : items) {
+        const std::uint32_t itemKinds = remote ? item.remoteKinds() : item.localKinds();
+        if (item.path.starts_with(directory + "/") && (everyItem || LuSVNStatusIsAbnormal(itemKinds)))
+            kinds |= itemKinds;
+    }
+    return kinds;
+}
+
+void expectPredicates(const LuSVNDirectory& directory, std::uint32_t local, std::uint32_t remote)
+{
+    const std::pair<bool (LuSVNDirectory::*)() const, LuSVNStatusKind> predicates[] = {
+        {&LuSVNDirectory::hasUnversionedNodes, LuSVNStatusUnversioned},
+        {&LuSVNDirectory::hasModifiedNodes, LuSVNStatusModified},
+        {&LuSVNDirectory::hasAddedNodes, LuSVNStatusAdded},
+        {&LuSVNDirectory::hasDeletedNodes, LuSVNStatusDeleted},
+        {&LuSVNDirectory::hasReplacedNodes, LuSVNStatusReplaced},
+        {&LuSVNDirectory::hasMissingNodes, LuSVNStatusMissing},
+        {&LuSVNDirectory::hasConflictedNodes, LuSVNStatusConflicted},
+    };
+    const std::string path = directory.path()->string();
+    for (const auto& [predicate, kind] : predicates) {
+        EXPECT_EQ((directory.*predicate)(), (local & kind) != 0) << path << " kind " << kind;
+        const std::uint32_t kinds = kind | LuSVNStatusIncomplete;
+        EXPECT_EQ(directory.hasNodesWithStatus(kinds), (local & kinds) != 0) << path;
+    }
+    EXPECT_EQ(directory.hasNodesChangedInRepository(), LuSVNStatusIsAbnormal(remote)) << path;
 }
 
 }  // namespace tessera_status_test

@@ -5,11 +5,16 @@
 #pragma once
 
 #include <tessera/LuSVNContext.h>
+#include <tessera/LuSVNDirectory.h>
 #include <tessera/LuSVNNode.h>
+#include <tessera/LuSVNStatusOptions.h>
 
 #include <map>
+#include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "TesseraTestSupport.h"
 
@@ -22,7 +27,9 @@ namespace tessera_status_test {
 /// (locked here), conflict.txt (text), propconflict.txt (property),
 /// treeedit.txt (tree: local edit, incoming delete), treedel.txt (tree: local
 /// delete, incoming delete), sub (switched to the branch), sparse (depth
-/// empty), ext (external of lib). The root has an svn:ignore change.
+/// empty), ext (external of lib). The root has an svn:ignore change. After
+/// the working copy was made, revision 5 changed outdated.txt and added
+/// incoming.txt, so that both are out of date against the repository.
 class StatusFixture {
 public:
     StatusFixture();
@@ -30,6 +37,29 @@ public:
     std::string workingCopy() const { return directory_ / "wc"; }
     std::string item(const std::string& name) const { return workingCopy() + "/" + name; }
     const std::string& repositoryURL() const { return url_; }
+    const std::string& configDirectory() const { return config_.path(); }
+
+private:
+    tessera_test::TemporaryDirectory directory_;
+    tessera_test::TemporaryDirectory config_;
+    std::string url_;
+};
+
+/// Repository "repo" (trunk, lib) and working copy "wc" of trunk for the
+/// externals and the aggregates: top/a/b/deep.txt (modified), top/a/u.txt
+/// (unversioned), top/a/side/s.txt and top/t.txt (normal), top itself with a
+/// property change; deep/er/x.txt (normal); externals of lib defined on the
+/// root at deep/er/ext (below versioned directories) and at nv/w/ext2 (below
+/// directories that only the externals made).
+class NestedFixture {
+public:
+    NestedFixture();
+
+    std::string workingCopy() const { return directory_ / "wc"; }
+    std::string item(const std::string& name) const
+    {
+        return name.empty() ? workingCopy() : workingCopy() + "/" + name;
+    }
     const std::string& configDirectory() const { return config_.path(); }
 
 private:
@@ -46,7 +76,23 @@ struct ClientStatus {
     bool switched = false;
     bool treeConflicted = false;
     bool locked = false;  // a lock token in the working copy
+    long revision = -1;   // the working revision, -1 where svn shows none
+    // With -u: the repository's kinds, "none" where svn shows no repos-status.
+    std::string reposItem = "none";
+    std::string reposProps = "none";
 };
+
+/// One entry of `svn status --xml`, in svn's order; a path that svn reports
+/// twice (an external directory: from its parent, then from inside) gives
+/// two entries.
+struct ClientEntry {
+    std::string path;
+    ClientStatus status;
+};
+
+/// `svn status --xml` of the path with the further arguments ("-v", "-u",
+/// "--depth", "immediates", ...).
+std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::vector<std::string>& arguments);
 
 /// `svn status --xml -v --no-ignore` of the path, by absolute path.
 std::map<std::string, ClientStatus> clientStatus(const std::string& path);
@@ -61,5 +107,70 @@ LuSVNStatusKind kindNamed(const std::string& name);
 /// 1.6, svn_client_status2 (68) before. By absolute path.
 std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::string& path,
                                                                 const std::shared_ptr<LuSVNContext>& context);
+
+// --- The status walk against svn's report ---------------------------------------
+
+/// What LuSVNDirectory::statusForNodesInDirectoryAtPath answers.
+struct Walk {
+    LuSVNNode::Nodes nodes;
+    std::shared_ptr<LuSVNDirectory> root;
+    std::uint32_t localChanges = 0;
+    std::uint32_t remoteChanges = 0;
+
+    /// The node of the path, null when the walk has none.
+    std::shared_ptr<LuSVNNode> at(const std::string& path) const;
+};
+
+Walk walk(const std::string& path, const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context);
+
+/// One path of svn's report and what the walk must make of it.
+struct ExpectedItem {
+    std::string path;
+    std::vector<ClientStatus> reports;  // two for an external directory reported from inside too
+    bool external = false;              // the walk gives it text status external
+
+    LuSVNStatusKind text() const;
+    /// Text and property kinds of the newer report.
+    std::uint32_t localKinds() const;
+    /// Repository kinds, none reading as normal.
+    std::uint32_t remoteKinds() const;
+};
+
+/// svn's entries by path, each where svn reported it last: the walk keeps
+/// the newer node of an external directory reported twice, with the
+/// external mark. A path svn reports twice, or one of `externals`, is an
+/// external directory.
+std::vector<ExpectedItem> expectedItems(const std::vector<ClientEntry>& entries,
+                                        const std::set<std::string>& externals = {});
+
+/// A repository kind as the walk with compareAgainstRepository gives it.
+LuSVNStatusKind repositoryKindNamed(const std::string& name);
+
+// The fields expectAgreement compares, OR-ed.
+inline constexpr unsigned KindsField = 1;            // text and property kinds
+inline constexpr unsigned FlagsField = 2;            // copied, switched, lock held here
+inline constexpr unsigned TreeConflictField = 4;     // a tree conflict description present
+inline constexpr unsigned WorkingRevisionField = 8;  // the working revision
+inline constexpr unsigned RepositoryField = 16;      // repository kinds, out-of-date revision
+
+/// The walk holds the same paths as the expected items, in the same order
+/// when `inOrder`, and each node agrees with svn's newer report in the
+/// fields. `outOfDate`
+/// holds the last commit of each item the repository changed; other files
+/// have none.
+void expectAgreement(const Walk& walk, const std::vector<ExpectedItem>& expected, unsigned fields, bool inOrder,
+                     const std::map<std::string, long>& outOfDate = {});
+
+/// The local change count of the items: abnormal local kinds, the paths in
+/// `extraFiles` (conflict files) left out.
+std::uint32_t expectedLocalChanges(const std::vector<ExpectedItem>& items, const std::set<std::string>& extraFiles);
+std::uint32_t expectedRemoteChanges(const std::vector<ExpectedItem>& items);
+/// The OR of the kinds of the abnormal items strictly below the directory
+/// (of all of them with `everyItem`).
+std::uint32_t expectedAggregate(const std::vector<ExpectedItem>& items, const std::string& directory, bool remote,
+                                bool everyItem = false);
+
+/// Each predicate of the directory answers what the aggregate words say.
+void expectPredicates(const LuSVNDirectory& directory, std::uint32_t local, std::uint32_t remote);
 
 }  // namespace tessera_status_test

@@ -1,0 +1,384 @@
+// The status walk over a working copy with every status kind, against what
+// the svn client reports of it with the matching options.
+#include <tessera/LuSVNBundleLoader.h>
+#include <tessera/LuSVNBundleStack.h>
+#include <tessera/LuSVNContext.h>
+#include <tessera/LuSVNDirectory.h>
+#include <tessera/LuSVNException.h>
+#include <tessera/LuSVNPlatformExceptions.h>
+#include <tessera/LuSVNUsernameProvider.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "StatusFixture.h"
+
+namespace {
+
+using namespace tessera_status_test;
+
+struct OptionRow {
+    const char* name;
+    std::function<void(LuSVNStatusOptions&)> set;
+    std::vector<std::string> svnArguments;
+    bool remote = false;
+};
+
+const std::vector<OptionRow>& optionRows()
+{
+    static const std::vector<OptionRow> rows = {
+        {"default", [](LuSVNStatusOptions&) {}, {}},
+        {"includeNormalFiles", [](LuSVNStatusOptions& o) { o.setIncludeNormalFiles(true); }, {"-v"}},
+        {"no ignores", [](LuSVNStatusOptions& o) { o.setRespectIgnoreProperties(false); }, {"--no-ignore"}},
+        {"no externals",
+         [](LuSVNStatusOptions& o) {
+             o.setProcessExternals(false);
+             o.setIncludeNormalFiles(true);
+         },
+         {"--ignore-externals", "-v"}},
+        {"not recursive", [](LuSVNStatusOptions& o) { o.setRecursive(false); }, {"--depth", "immediates"}},
+        {"not recursive, everything",
+         [](LuSVNStatusOptions& o) {
+             o.setRecursive(false);
+             o.setIncludeNormalFiles(true);
+             o.setRespectIgnoreProperties(false);
+         },
+         {"--depth", "immediates", "-v", "--no-ignore"}},
+        {"repository", [](LuSVNStatusOptions& o) { o.setCompareAgainstRepository(true); }, {"-u"}, true},
+        {"repository, includeNormalFiles",
+         [](LuSVNStatusOptions& o) {
+             o.setCompareAgainstRepository(true);
+             o.setIncludeNormalFiles(true);
+         },
+         {"-u", "-v"},
+         true},
+    };
+    return rows;
+}
+
+LuSVNStatusOptions optionsOf(const std::function<void(LuSVNStatusOptions&)>& set)
+{
+    LuSVNStatusOptions options;
+    set(options);
+    return options;
+}
+
+class StatusWalk : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { fixture = new StatusFixture(); }
+    static void TearDownTestSuite()
+    {
+        delete fixture;
+        fixture = nullptr;
+    }
+
+    static std::shared_ptr<LuSVNContext> contextFor(const char* bundle)
+    {
+        const auto loader = LuSVNBundleLoader::sharedInstance();
+        auto context = LuSVNContext::contextWithBundle(
+            bundle ? loader->loadBundleAtPath(bundle) : loader->newestBundle(), {}, fixture->configDirectory());
+        // The file:// repository asks for a user name.
+        context->authenticationStack()->addProvider(std::make_shared<LuSVNUsernameProvider>());
+        return context;
+    }
+    // What the records of svn_client_status2 can say: an unversioned
+    // tree-conflict victim (treedel.txt) reads as none where svn says missing.
+    static void readThroughOlderInterface(std::vector<ExpectedItem>& items)
+    {
+        for (auto& item : items)
+            if (item.path == fixture->item("treedel.txt"))
+                item.reports.back().item = "none";
+    }
+    static std::vector<ExpectedItem> svnReport(const std::vector<std::string>& arguments, const std::string& name = "")
+    {
+        const std::string path = name.empty() ? fixture->workingCopy() : fixture->item(name);
+        return expectedItems(clientStatusReport(path, arguments));
+    }
+    // The conflicts' extra files, which no count includes.
+    static std::set<std::string> conflictFiles()
+    {
+        return {fixture->item("conflict.txt.mine"), fixture->item("conflict.txt.r3"), fixture->item("conflict.txt.r4"),
+                fixture->item("propconflict.txt.prej")};
+    }
+    // The last commit of each item that the repository changed, as svn info
+    // of its URL says.
+    static std::map<std::string, long> lastCommits(const std::vector<ExpectedItem>& items)
+    {
+        std::map<std::string, long> revisions;
+        for (const auto& item : items) {
+            if (!LuSVNStatusIsAbnormal(item.remoteKinds()))
+                continue;
+            const std::string url =
+                fixture->repositoryURL() + "/trunk" + item.path.substr(fixture->workingCopy().size());
+            const auto info = tessera_test::svn({"info", "--show-item", "last-changed-revision", url});
+            EXPECT_EQ(info.status, 0) << info.output;
+            revisions[item.path] = std::stol(info.output);
+        }
+        return revisions;
+    }
+
+    static StatusFixture* fixture;
+};
+
+StatusFixture* StatusWalk::fixture = nullptr;
+
+// The records of svn_client_status5 carry a tree-conflict description only
+// for victims missing from the working copy, so that flag is compared on the
+// 1.6 interface alone (below).
+TEST_F(StatusWalk, NewestBackendAgreesWithSvnForEachOptionSet)
+{
+    const auto context = contextFor(nullptr);
+    for (const OptionRow& row : optionRows()) {
+        SCOPED_TRACE(row.name);
+        const auto expected = svnReport(row.svnArguments);
+        const Walk result = walk(fixture->workingCopy(), optionsOf(row.set), context);
+        // svn reports in hash order when it asks the repository.
+        expectAgreement(result, expected,
+                        KindsField | FlagsField | WorkingRevisionField | (row.remote ? RepositoryField : 0),
+                        !row.remote, row.remote ? lastCommits(expected) : std::map<std::string, long>{});
+        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, conflictFiles()));
+        EXPECT_EQ(result.remoteChanges, expectedRemoteChanges(expected));
+    }
+}
+
+// Through svn_client_status2 the records have the layout of their release,
+// which cannot carry everything svn shows:
+//  - the tree-conflict description exists from 1.6 on (none on 1.4 and 1.5);
+//  - an unversioned tree-conflict victim (treedel.txt) reads as none where
+//    svn says missing;
+//  - the entries give an item svn shows without working revision (added,
+//    copied) one anyway: 0 for a plain addition, a number for a copy;
+//  - svn_client_status2 applies the depth as sticky, so against the
+//    repository it also reports what the depth-empty directory sparse has not
+//    fetched, and sparse as changed there; svn leaves those out.
+TEST_F(StatusWalk, OlderBackendsAgreeWithSvn)
+{
+    for (const char* bundle : {TESSERA_TEST_BUNDLE_1_6_23, TESSERA_TEST_BUNDLE_1_5_9, TESSERA_TEST_BUNDLE_1_4_6}) {
+        const auto context = contextFor(bundle);
+        const unsigned treeConflicts = bundle == std::string(TESSERA_TEST_BUNDLE_1_6_23) ? TreeConflictField : 0;
+        for (const OptionRow& row : optionRows()) {
+            SCOPED_TRACE(std::string(bundle) + ": " + row.name);
+            auto expected = svnReport(row.svnArguments);
+            readThroughOlderInterface(expected);
+            Walk result = walk(fixture->workingCopy(), optionsOf(row.set), context);
+            if (row.remote) {
+                const auto sparse = [](const std::string& path) { return path.starts_with(fixture->item("sparse")); };
+                std::erase_if(expected, [&](const ExpectedItem& item) { return sparse(item.path); });
+                std::erase_if(result.nodes, [&](const auto& node) { return sparse(node->path()->string()); });
+            }
+            const unsigned fields = KindsField | FlagsField | treeConflicts | (row.remote ? RepositoryField : 0);
+            expectAgreement(result, expected, fields, !row.remote,
+                            row.remote ? lastCommits(expected) : std::map<std::string, long>{});
+            for (const auto& item : expected) {
+                if (const auto node = result.at(item.path); node && item.reports.back().revision >= 0) {
+                    EXPECT_EQ(node->status()->workingRevision(), item.reports.back().revision) << item.path;
+                }
+            }
+        }
+    }
+}
+
+// Propagation fills every directory's aggregates with the kinds of the
+// abnormal items below it, quiet kinds included; the predicates read them.
+TEST_F(StatusWalk, PropagationAggregatesWhatSvnReportsBelowEachDirectory)
+{
+    const auto context = contextFor(nullptr);
+    for (const OptionRow& row : optionRows()) {
+        if (std::string(row.name).starts_with("not recursive"))
+            continue;
+        SCOPED_TRACE(row.name);
+        LuSVNStatusOptions options = optionsOf(row.set);
+        options.setPropagateStatusToAncestor(true);
+        const auto expected = svnReport(row.svnArguments);
+        const Walk result = walk(fixture->workingCopy(), options, context);
+        expectAgreement(result, expected, KindsField, !row.remote);
+        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, conflictFiles()));
+        ASSERT_NE(result.root, nullptr);
+        EXPECT_EQ(result.root->path()->string(), fixture->workingCopy());
+        std::size_t directories = 0;
+        for (const auto& node : result.nodes) {
+            const auto directory = std::dynamic_pointer_cast<LuSVNDirectory>(node);
+            if (!directory)
+                continue;
+            ++directories;
+            const std::string path = directory->path()->string();
+            const std::uint32_t local = expectedAggregate(expected, path, false);
+            const std::uint32_t remote = expectedAggregate(expected, path, true);
+            EXPECT_EQ(directory->aggregateChildStatus(), local) << path;
+            EXPECT_EQ(directory->aggregateRepositoryChildStatus(), remote) << path;
+            expectPredicates(*directory, local, remote);
+        }
+        EXPECT_GE(directories, 2u);
+    }
+}
+
+// Walks that must see the whole tree answer the root alone when the options
+// are not recursive, with counts and aggregates of everything.
+TEST_F(StatusWalk, RootOnlyWalksCountTheWholeTree)
+{
+    const auto context = contextFor(nullptr);
+    const auto everything = svnReport({"-u", "-v"});
+    const std::uint32_t local = expectedLocalChanges(everything, conflictFiles());
+    const std::uint32_t remote = expectedRemoteChanges(everything);
+    ASSERT_GT(remote, 0u);
+    struct Case {
+        const char* name;
+        bool propagate, compare, includeNormal;
+    };
+    for (const Case& c : {Case{"propagating", true, false, false}, Case{"comparing everything", false, true, true},
+                          Case{"both", true, true, true}}) {
+        SCOPED_TRACE(c.name);
+        LuSVNStatusOptions options;
+        options.setRecursive(false);
+        options.setPropagateStatusToAncestor(c.propagate);
+        options.setCompareAgainstRepository(c.compare);
+        options.setIncludeNormalFiles(c.includeNormal);
+        const Walk result = walk(fixture->workingCopy(), options, context);
+        ASSERT_EQ(result.nodes.size(), 1u);
+        EXPECT_EQ(result.nodes.front()->path()->string(), fixture->workingCopy());
+        ASSERT_NE(result.root, nullptr);
+        EXPECT_EQ(result.root->path()->string(), fixture->workingCopy());
+        EXPECT_EQ(result.localChanges, local);
+        EXPECT_EQ(result.remoteChanges, c.compare ? remote : 0u);
+        if (c.propagate) {
+            EXPECT_EQ(result.root->aggregateChildStatus(),
+                      expectedAggregate(everything, fixture->workingCopy(), false));
+            EXPECT_EQ(result.root->aggregateRepositoryChildStatus(),
+                      c.compare ? expectedAggregate(everything, fixture->workingCopy(), true) : 0u);
+        }
+    }
+}
+
+// Without the conflicts' extra files the walk is svn's report less those
+// files; the counts never include them.
+TEST_F(StatusWalk, ConflictVersionFilesLeftOut)
+{
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_4_6}) {
+        SCOPED_TRACE(bundle ? bundle : "newest");
+        auto expected = svnReport({"-v"});
+        if (bundle)
+            readThroughOlderInterface(expected);
+        const std::uint32_t count = expectedLocalChanges(expected, conflictFiles());
+        std::erase_if(expected, [](const ExpectedItem& item) { return conflictFiles().contains(item.path); });
+        ASSERT_EQ(expected.size() + conflictFiles().size(), svnReport({"-v"}).size());
+        LuSVNStatusOptions options;
+        options.setIncludeNormalFiles(true);
+        options.setIncludeConflictVersionFiles(false);
+        const Walk result = walk(fixture->workingCopy(), options, contextFor(bundle));
+        expectAgreement(result, expected, KindsField, true);
+        EXPECT_EQ(result.localChanges, count);
+    }
+}
+
+// The single-item queries agree with svn status --depth empty of the item.
+// The external is external as in a walk (svn reports it from inside alone).
+TEST_F(StatusWalk, SingleItemsAgreeWithSvn)
+{
+    const auto context = contextFor(nullptr);
+    const LuSVNStatusOptions options;
+    for (const char* name : {"modified.txt", "propmod.txt", "locked.txt", "copied.txt", "missing.txt", "replaced.txt",
+                             "unversioned.txt", "ignored.o", "conflict.txt", "sub", "sparse", "ext"}) {
+        SCOPED_TRACE(name);
+        auto expected = expectedItems(clientStatusReport(fixture->item(name), {"-v", "--depth", "empty"}),
+                                      {fixture->item("ext")});
+        const auto node = LuSVNNode::nodeWithStatusAtPath(LuSVNLocalPath::pathWithString(fixture->item(name)),
+                                                          options, context);
+        Walk single;
+        if (node)
+            single.nodes.push_back(node);
+        expectAgreement(single, expected, KindsField | FlagsField | WorkingRevisionField, true);
+    }
+    // Subversion hands over a record of kind none for a path that does not
+    // exist, which the svn client does not print.
+    ASSERT_TRUE(clientStatusReport(fixture->item("no-such-file"), {"-v", "--depth", "empty"}).empty());
+    const auto absent = LuSVNLocalPath::pathWithString(fixture->item("no-such-file"));
+    const auto nothing = LuSVNNode::nodeWithStatusAtPath(absent, options, context);
+    if (nothing) {
+        EXPECT_EQ(nothing->status()->textStatus(), LuSVNStatusNone);
+        EXPECT_EQ(nothing->status()->propertyStatus(), LuSVNStatusNone);
+    }
+
+    // The directory's own status, and the aggregates of the walk below it.
+    for (const char* name : {"", "sub", "sparse"}) {
+        SCOPED_TRACE(name);
+        const std::string path = name[0] ? fixture->item(name) : fixture->workingCopy();
+        const auto directory =
+            LuSVNDirectory::statusForDirectoryAtPath(LuSVNLocalPath::pathWithString(path), options, context);
+        if (!directory) {
+            ADD_FAILURE() << "no status for the directory";
+            continue;
+        }
+        Walk single;
+        single.nodes.push_back(directory);
+        expectAgreement(single, svnReport({"-v", "--depth", "empty"}, name),
+                        KindsField | FlagsField | WorkingRevisionField, true);
+        // Every item below, quiet ones included.
+        const auto below = svnReport({}, name);
+        EXPECT_EQ(directory->aggregateChildStatus(), expectedAggregate(below, path, false, true));
+        expectPredicates(*directory, expectedAggregate(below, path, false, true), 0);
+        ASSERT_NE(directory->URL(), nullptr);
+        const auto info = tessera_test::svn({"info", "--show-item", "url", path});
+        EXPECT_EQ(directory->URL()->string() + "\n", info.output);
+    }
+}
+
+// A directory that is not a working copy raises the exception of
+// Subversion's error, leaves the out-arguments and the directory alone and
+// the backend stack empty.
+TEST_F(StatusWalk, NotAWorkingCopy)
+{
+    tessera_test::TemporaryDirectory plain;
+    tessera_test::writeFile(plain / "loose.txt", "loose\n");
+    const auto local = LuSVNLocalPath::pathWithString(plain.path());
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_4_6}) {
+        SCOPED_TRACE(bundle ? bundle : "newest");
+        const auto context = contextFor(bundle);
+        std::shared_ptr<LuSVNDirectory> root;
+        std::uint32_t localCount = 7, remoteCount = 7;
+        const std::pair<const char*, std::function<void()>> calls[] = {
+            {"walk",
+             [&] {
+                 LuSVNDirectory::statusForNodesInDirectoryAtPath(local, LuSVNStatusOptions(), &root, &localCount,
+                                                                 &remoteCount, context);
+             }},
+            {"directory", [&] { LuSVNDirectory::statusForDirectoryAtPath(local, LuSVNStatusOptions(), context); }},
+            {"node", [&] { LuSVNNode::nodeWithStatusAtPath(local, LuSVNStatusOptions(), context); }},
+        };
+        for (const auto& [name, call] : calls) {
+            SCOPED_TRACE(name);
+            EXPECT_THROW(call(), LuSVNNotWorkingCopyException);
+            EXPECT_THROW(LuSVNBundleCurrent(), LuSVNGenericException);
+        }
+        EXPECT_EQ(root, nullptr);
+        EXPECT_EQ(localCount, 7u);
+        EXPECT_EQ(remoteCount, 7u);
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(plain.path()))
+            names.push_back(entry.path().filename().string());
+        EXPECT_EQ(names, std::vector<std::string>{"loose.txt"});
+    }
+}
+
+TEST_F(StatusWalk, ParameterAssertions)
+{
+    const auto context = contextFor(nullptr);
+    const auto path = LuSVNLocalPath::pathWithString(fixture->workingCopy());
+    const LuSVNStatusOptions options;
+    for (const bool nullPath : {true, false}) {
+        const auto p = nullPath ? nullptr : path;
+        const auto c = nullPath ? context : nullptr;
+        const std::string condition = nullPath ? "path != nil" : "context != nil";
+        tessera_test::expectParameterAssertion(
+            [&] { LuSVNDirectory::statusForNodesInDirectoryAtPath(p, options, nullptr, nullptr, nullptr, c); },
+            condition);
+        tessera_test::expectParameterAssertion([&] { LuSVNDirectory::statusForNodesInDirectoryAtPath(p, options, c); },
+                                               condition);
+        tessera_test::expectParameterAssertion([&] { LuSVNDirectory::statusForDirectoryAtPath(p, options, c); },
+                                               condition);
+        tessera_test::expectParameterAssertion([&] { LuSVNNode::nodeWithStatusAtPath(p, options, c); }, condition);
+    }
+}
+
+}  // namespace
