@@ -5,6 +5,8 @@
 //   tessera wc PATH       a working copy's format and the backend chosen for it
 //   tessera mkrepo PATH [--compatible-version X.Y]
 //                         a new FSFS repository; prints its file:// URL
+//   tessera status [options] [PATH...]
+//                         the status of working-copy items, as svn prints it
 #include <tessera/Tessera.h>
 
 #include <cstdio>
@@ -14,6 +16,8 @@
 #include <optional>
 #include <regex>
 #include <string>
+
+#include "StatusCommand.h"
 
 namespace {
 
@@ -26,6 +30,9 @@ constexpr const char* usage =
     "  mkrepo PATH [--compatible-version X.Y]\n"
     "              create an FSFS repository and print its file:// URL; with a\n"
     "              release older than 1.6 the repository stays readable by it\n"
+    "  status [-v] [-u] [-q] [--no-ignore] [--ignore-externals] [--depth D] [-N]\n"
+    "         [--config-dir DIR] [--xml | --json] [--aggregates] [PATH...]\n"
+    "              the status of working-copy items, as svn prints it\n"
     "\n"
     "The log level comes from the environment variable TesseraLogLevel\n"
     "(off, normal, debug, verbose).\n";
@@ -133,6 +140,8 @@ int main(int argc, char** argv)
             return describeWorkingCopy(argv[2]);
         if (command == "mkrepo")
             return makeRepositoryCommand(argc, argv);
+        if (command == "status")
+            return statusCommand(argc - 2, argv + 2);
         std::fputs(usage, stderr);
         return 2;
     } catch (const LuSVNException& e) {
