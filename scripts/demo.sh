@@ -20,3 +20,24 @@ echo "== tessera backends"
 echo
 echo "== tessera wc (a working copy made by svn)"
 "$tessera" wc "$work/working-copy"
+echo
+
+echo "== a working copy with an item of every status kind (scripts/make-status-example.sh)"
+scripts/make-status-example.sh "$url" "$work/example" "$work/config"
+echo
+echo "== tessera status --aggregates (a directory's trailing [words]: the kinds found below it)"
+"$tessera" status --config-dir "$work/config" --aggregates "$work/example"
+echo
+echo "== tessera status -v"
+"$tessera" status --config-dir "$work/config" -v "$work/example" | tee "$work/tessera-status"
+echo
+echo "== svn status -v"
+svn status --config-dir "$work/config" -v "$work/example" | tee "$work/svn-status"
+echo
+if [ "$(LC_ALL=C sort "$work/tessera-status")" = "$(LC_ALL=C sort "$work/svn-status")" ]; then
+  echo "tessera status -v and svn status -v print the same lines."
+else
+  echo "tessera status -v and svn status -v differ (sorted lines, - svn, + tessera):"
+  diff -u "$(LC_ALL=C sort "$work/svn-status" > "$work/svn-sorted"; echo "$work/svn-sorted")" \
+          "$(LC_ALL=C sort "$work/tessera-status" > "$work/tessera-sorted"; echo "$work/tessera-sorted")" || true
+fi
