@@ -78,7 +78,17 @@ public:
     void encodeWithCoder(LuSVNCoder& coder) const override;
 
 private:
-    explicit LuSVNLocalPath(std::string path);
+    // Only the factories can name it; it lets them make the path and its
+    // reference count in one allocation.
+    struct Made {
+        explicit Made() = default;
+    };
+
+public:
+    /// For the factories; use pathWithString.
+    LuSVNLocalPath(Made, std::string path);
+
+private:
 
     std::string path_;
 };

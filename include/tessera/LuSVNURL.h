@@ -239,6 +239,17 @@ public:
 private:
     explicit LuSVNURL(const std::string& text);
     LuSVNURL(const LuSVNURL&) = default;
+    // Only the class can name it; it lets URLs made from others share one
+    // allocation with their reference count.
+    struct Made {
+        explicit Made() = default;
+    };
+
+public:
+    /// For the class's own factories.
+    LuSVNURL(Made, const LuSVNURL& other) : LuSVNURL(other) {}
+
+private:
 
     std::string url_;
     std::optional<std::string> user_;

@@ -69,7 +69,7 @@ std::string abbreviatingHome(const std::string& text)
 
 }  // namespace
 
-LuSVNLocalPath::LuSVNLocalPath(std::string path) : path_(std::move(path)) {}
+LuSVNLocalPath::LuSVNLocalPath(Made, std::string path) : path_(std::move(path)) {}
 
 std::shared_ptr<const LuSVNLocalPath> LuSVNLocalPath::pathWithString(const std::string& text)
 {
@@ -77,14 +77,14 @@ std::shared_ptr<const LuSVNLocalPath> LuSVNLocalPath::pathWithString(const std::
     std::string path = text.front() == '~' ? expandingTilde(text) : text;
     if (path.size() >= 2 && path.back() == '/')
         path.pop_back();
-    return std::shared_ptr<const LuSVNLocalPath>(new LuSVNLocalPath(std::move(path)));
+    return std::make_shared<const LuSVNLocalPath>(Made(), std::move(path));
 }
 
 const std::shared_ptr<const LuSVNLocalPath>& LuSVNLocalPath::fileSystemRoot()
 {
     // Never freed: it may still be asked for while static objects go.
     static const auto* const root =
-        new std::shared_ptr<const LuSVNLocalPath>(new LuSVNLocalPath("/"));
+        new std::shared_ptr<const LuSVNLocalPath>(std::make_shared<const LuSVNLocalPath>(Made(), "/"));
     return *root;
 }
 
@@ -99,7 +99,7 @@ std::shared_ptr<LuSVNLocalPath> LuSVNLocalPath::initWithCoder(LuSVNCoder& coder)
     std::optional<std::string> path = coder.decodeStringForKey("path");
     if (!path)
         throw LuSVNInvalidArgumentException("LuSVNLocalPath archive without \"path\"");
-    return std::shared_ptr<LuSVNLocalPath>(new LuSVNLocalPath(std::move(*path)));
+    return std::make_shared<LuSVNLocalPath>(Made(), std::move(*path));
 }
 
 std::string LuSVNLocalPath::denormalizedString() const
@@ -154,7 +154,7 @@ LuSVNPath::Path LuSVNLocalPath::parent() const
     // parent either, so that every chain of parents ends.
     if (path_ == "/" || path_.empty())
         return nullptr;
-    return std::shared_ptr<const LuSVNLocalPath>(new LuSVNLocalPath(LuSVNDeletingLastPathComponent(path_)));
+    return std::make_shared<const LuSVNLocalPath>(Made(), LuSVNDeletingLastPathComponent(path_));
 }
 
 std::shared_ptr<const LuSVNURL> LuSVNLocalPath::URL() const
@@ -178,7 +178,7 @@ const char* LuSVNLocalPath::SVNRepresentationInPool(apr_pool_t* pool) const
 
 LuSVNPath::Path LuSVNLocalPath::copy() const
 {
-    return std::shared_ptr<const LuSVNLocalPath>(new LuSVNLocalPath(path_));
+    return std::make_shared<const LuSVNLocalPath>(Made(), path_);
 }
 
 LuSVNPath::Path LuSVNLocalPath::commonAncestorFor(const Path& path) const

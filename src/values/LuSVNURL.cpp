@@ -413,7 +413,7 @@ std::shared_ptr<const LuSVNURL> LuSVNURL::URLByAppendingEscapedRelativePath(std:
     // The path must end the URL for the copy's parts to stay right.
     if (rawPathStart_ + rawPathLength_ != url_.size() || rawPathLength_ == 0)
         return std::static_pointer_cast<const LuSVNURL>(pathByAddingComponent(std::string(relativePath)));
-    auto child = std::shared_ptr<LuSVNURL>(new LuSVNURL(*this));
+    auto child = std::make_shared<LuSVNURL>(Made(), *this);
     child->url_.reserve(url_.size() + 1 + relativePath.size());
     if (child->url_.back() != '/')
         child->url_ += '/';
