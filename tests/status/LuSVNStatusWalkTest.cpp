@@ -382,3 +382,19 @@ TEST_F(StatusWalk, ParameterAssertions)
 }
 
 }  // namespace
+
+// A context kept in a static goes after the thread's own objects at exit,
+// and still needs its backend pushed then.
+TEST_F(StatusWalk, ContextInAStaticSurvivesTheExitAfterAWalk)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            static std::shared_ptr<LuSVNContext> kept;
+            kept = contextFor(nullptr);
+            LuSVNDirectory::statusForNodesInDirectoryAtPath(LuSVNLocalPath::pathWithString(fixture->workingCopy()),
+                                                            LuSVNStatusOptions(), kept);
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
