@@ -122,36 +122,6 @@ NestedFixture::NestedFixture()
     svnOrThrow({"propset", "-q", "colour", "green", item("top")});
 }
 
-std::map<std::string, ClientStatus> clientStatus(const std::string& path)
-{
-    const tessera_test::CommandResult result = svn({"status", "--xml", "-v", "--no-ignore", path});
-    if (result.status != 0)
-        throw std::runtime_error("svn status failed: " + result.output);
-    static const std::regex entry(R"re(<entry\s+path="([^"]*)">\s*<wc-status([^>]*)>([\s\S]*?)</wc-status>)re");
-    static const std::regex attribute(R"re(([\w-]+)="([^"]*)")re");
-    std::map<std::string, ClientStatus> items;
-    for (std::sregex_iterator match(result.output.begin(), result.output.end(), entry), end; match != end; ++match) {
-        ClientStatus status;
-        const std::string attributes = (*match)[2];
-        for (std::sregex_iterator a(attributes.begin(), attributes.end(), attribute); a != end; ++a) {
-            const std::string name = (*a)[1], value = (*a)[2];
-            if (name == "item")
-                status.item = value;
-            else if (name == "props")
-                status.props = value;
-            else if (name == "copied")
-                status.copied = value == "true";
-            else if (name == "switched")
-                status.switched = value == "true";
-            else if (name == "tree-conflicted")
-                status.treeConflicted = value == "true";
-        }
-        status.locked = (*match)[3].str().find("<lock>") != std::string::npos;
-        items[(*match)[1]] = status;
-    }
-    return items;
-}
-
 std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::vector<std::string>& arguments)
 {
     std::vector<std::string> command = {"status", "--xml"};
@@ -194,6 +164,14 @@ std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::
         entries.push_back(std::move(item));
     }
     return entries;
+}
+
+std::map<std::string, ClientStatus> clientStatus(const std::string& path)
+{
+    std::map<std::string, ClientStatus> items;
+    for (auto& entry : clientStatusReport(path, {"-v", "--no-ignore"}))
+        items[entry.path] = std::move(entry.status);
+    return items;
 }
 
 LuSVNStatusKind kindNamed(const std::string& name)
