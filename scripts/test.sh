@@ -11,7 +11,7 @@ ctest --test-dir "$build" --output-on-failure -j "$(nproc)"
 echo "== under AddressSanitizer and UndefinedBehaviorSanitizer"
 TESSERA_BUILD_DIR="$build-asan" scripts/build.sh -DTESSERA_SANITIZE=address,undefined -DTESSERA_BUILD_BENCHMARKS=OFF
 ASAN_OPTIONS="detect_leaks=1:fast_unwind_on_malloc=0" \
-LSAN_OPTIONS="suppressions=$(pwd)/tests/lsan.supp" \
+LSAN_OPTIONS="suppressions=$(pwd)/tests/lsan.supp:print_suppressions=0" \
 UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1" \
   ctest --test-dir "$build-asan" --output-on-failure -j "$(nproc)"
 
