@@ -206,66 +206,66 @@ public:
     /// was asked ("outOfDateLastCommitRevision", "...Date", "...Author").
     std::int32_t outOfDateLastCommitRevision() const { return outOfDateLastCommitRevision_; }
     void setOutOfDateLastCommitRevision(std::int32_t revision) { outOfDateLastCommitRevision_ = revision; }
-    const std::optional<Date>& outOfDateLastCommitDate() const { return outOfDateLastCommitDate_; }
-    void setOutOfDateLastCommitDate(std::optional<Date> date) { outOfDateLastCommitDate_ = date; }
-    const std::optional<std::string>& outOfDateLastCommitAuthor() const { return outOfDateLastCommitAuthor_; }
+    const std::optional<Date>& outOfDateLastCommitDate() const { return rare_.get().outOfDateLastCommitDate; }
+    void setOutOfDateLastCommitDate(std::optional<Date> date) { setRare(&Rare::outOfDateLastCommitDate, std::move(date)); }
+    const std::optional<std::string>& outOfDateLastCommitAuthor() const { return rare_.get().outOfDateLastCommitAuthor; }
     void setOutOfDateLastCommitAuthor(std::optional<std::string> author)
     {
-        outOfDateLastCommitAuthor_ = std::move(author);
+        setRare(&Rare::outOfDateLastCommitAuthor, std::move(author));
     }
 
     /// Kept, copied and archived; no conversion fills them
     /// ("repositoryRootURL", "repositoryUUID").
-    const std::shared_ptr<const LuSVNURL>& repositoryRootURL() const { return repositoryRootURL_; }
-    void setRepositoryRootURL(std::shared_ptr<const LuSVNURL> url) { repositoryRootURL_ = std::move(url); }
-    const std::optional<std::string>& repositoryUUID() const { return repositoryUUID_; }
-    void setRepositoryUUID(std::optional<std::string> uuid) { repositoryUUID_ = std::move(uuid); }
+    const std::shared_ptr<const LuSVNURL>& repositoryRootURL() const { return rare_.get().repositoryRootURL; }
+    void setRepositoryRootURL(std::shared_ptr<const LuSVNURL> url) { setRare(&Rare::repositoryRootURL, std::move(url)); }
+    const std::optional<std::string>& repositoryUUID() const { return rare_.get().repositoryUUID; }
+    void setRepositoryUUID(std::optional<std::string> uuid) { setRare(&Rare::repositoryUUID, std::move(uuid)); }
 
     /// ("schedule")
     LuSVNSchedule schedule() const { return schedule_; }
     void setSchedule(LuSVNSchedule schedule) { schedule_ = schedule; }
     /// The copy source ("copyFromURL", "copyFromRevision").
-    const std::shared_ptr<const LuSVNURL>& copyFromURL() const { return copyFromURL_; }
-    void setCopyFromURL(std::shared_ptr<const LuSVNURL> url) { copyFromURL_ = std::move(url); }
-    std::int32_t copyFromRevision() const { return copyFromRevision_; }
-    void setCopyFromRevision(std::int32_t revision) { copyFromRevision_ = revision; }
+    const std::shared_ptr<const LuSVNURL>& copyFromURL() const { return rare_.get().copyFromURL; }
+    void setCopyFromURL(std::shared_ptr<const LuSVNURL> url) { setRare(&Rare::copyFromURL, std::move(url)); }
+    std::int32_t copyFromRevision() const { return rare_.get().copyFromRevision; }
+    void setCopyFromRevision(std::int32_t revision) { setRare(&Rare::copyFromRevision, std::move(revision)); }
 
     /// File names (in the item's directory) of a text conflict's older base,
     /// newer and working files ("conflictOldVersion", "conflictNewVersion",
     /// "conflictWorkingVersion").
-    const std::optional<std::string>& conflictOldVersion() const { return conflictOldVersion_; }
-    void setConflictOldVersion(std::optional<std::string> name) { conflictOldVersion_ = std::move(name); }
-    const std::optional<std::string>& conflictNewVersion() const { return conflictNewVersion_; }
-    void setConflictNewVersion(std::optional<std::string> name) { conflictNewVersion_ = std::move(name); }
-    const std::optional<std::string>& conflictWorkingVersion() const { return conflictWorkingVersion_; }
-    void setConflictWorkingVersion(std::optional<std::string> name) { conflictWorkingVersion_ = std::move(name); }
+    const std::optional<std::string>& conflictOldVersion() const { return rare_.get().conflictOldVersion; }
+    void setConflictOldVersion(std::optional<std::string> name) { setRare(&Rare::conflictOldVersion, std::move(name)); }
+    const std::optional<std::string>& conflictNewVersion() const { return rare_.get().conflictNewVersion; }
+    void setConflictNewVersion(std::optional<std::string> name) { setRare(&Rare::conflictNewVersion, std::move(name)); }
+    const std::optional<std::string>& conflictWorkingVersion() const { return rare_.get().conflictWorkingVersion; }
+    void setConflictWorkingVersion(std::optional<std::string> name) { setRare(&Rare::conflictWorkingVersion, std::move(name)); }
     /// File name of the property reject file ("propertyRejectFilePath").
-    const std::optional<std::string>& propertyRejectFilePath() const { return propertyRejectFilePath_; }
-    void setPropertyRejectFilePath(std::optional<std::string> name) { propertyRejectFilePath_ = std::move(name); }
+    const std::optional<std::string>& propertyRejectFilePath() const { return rare_.get().propertyRejectFilePath; }
+    void setPropertyRejectFilePath(std::optional<std::string> name) { setRare(&Rare::propertyRejectFilePath, std::move(name)); }
 
     /// The last times text and properties were known up to date
     /// ("upToDateTextDate", "upToDatePropertyDate").
-    const std::optional<Date>& upToDateTextDate() const { return upToDateTextDate_; }
-    void setUpToDateTextDate(std::optional<Date> date) { upToDateTextDate_ = date; }
-    const std::optional<Date>& upToDatePropertyDate() const { return upToDatePropertyDate_; }
-    void setUpToDatePropertyDate(std::optional<Date> date) { upToDatePropertyDate_ = date; }
+    const std::optional<Date>& upToDateTextDate() const { return rare_.get().upToDateTextDate; }
+    void setUpToDateTextDate(std::optional<Date> date) { setRare(&Rare::upToDateTextDate, std::move(date)); }
+    const std::optional<Date>& upToDatePropertyDate() const { return rare_.get().upToDatePropertyDate; }
+    void setUpToDatePropertyDate(std::optional<Date> date) { setRare(&Rare::upToDatePropertyDate, std::move(date)); }
     /// The checksum of the pristine text ("checksum").
-    const std::optional<std::string>& checksum() const { return checksum_; }
-    void setChecksum(std::optional<std::string> checksum) { checksum_ = std::move(checksum); }
+    const std::optional<std::string>& checksum() const { return rare_.get().checksum; }
+    void setChecksum(std::optional<std::string> checksum) { setRare(&Rare::checksum, std::move(checksum)); }
 
     /// The lock held in the repository ("repositoryLock").
-    const std::shared_ptr<const LuSVNLock>& repositoryLock() const { return repositoryLock_; }
-    void setRepositoryLock(std::shared_ptr<const LuSVNLock> lock) { repositoryLock_ = std::move(lock); }
+    const std::shared_ptr<const LuSVNLock>& repositoryLock() const { return rare_.get().repositoryLock; }
+    void setRepositoryLock(std::shared_ptr<const LuSVNLock> lock) { setRare(&Rare::repositoryLock, std::move(lock)); }
     /// The change list the item belongs to; backends 1.5 and later
     /// ("changelist").
-    const std::optional<std::string>& changelist() const { return changelist_; }
-    void setChangelist(std::optional<std::string> name) { changelist_ = std::move(name); }
+    const std::optional<std::string>& changelist() const { return rare_.get().changelist; }
+    void setChangelist(std::optional<std::string> name) { setRare(&Rare::changelist, std::move(name)); }
     /// The item's depth; not archived.
     LuSVNDepth depth() const { return depth_; }
     void setDepth(LuSVNDepth depth) { depth_ = depth; }
     /// The tree conflict on the item ("treeConflict").
-    const std::shared_ptr<const LuSVNConflict>& treeConflict() const { return treeConflict_; }
-    void setTreeConflict(std::shared_ptr<const LuSVNConflict> conflict) { treeConflict_ = std::move(conflict); }
+    const std::shared_ptr<const LuSVNConflict>& treeConflict() const { return rare_.get().treeConflict; }
+    void setTreeConflict(std::shared_ptr<const LuSVNConflict> conflict) { setRare(&Rare::treeConflict, std::move(conflict)); }
 
     // --- Copying and archiving ------------------------------------------------
 
@@ -288,6 +288,65 @@ private:
         HasPropertyModificationsFlag = 1u << 6,
         FileExternalFlag = 1u << 7,
     };
+    // The fields that most items leave unset, kept apart so that the records
+    // of a walk of many thousand items stay small; made when one is set.
+    struct Rare {
+        std::optional<Date> outOfDateLastCommitDate;
+        std::optional<std::string> outOfDateLastCommitAuthor;
+        std::shared_ptr<const LuSVNURL> repositoryRootURL;
+        std::optional<std::string> repositoryUUID;
+        std::shared_ptr<const LuSVNURL> copyFromURL;
+        std::int32_t copyFromRevision = LuSVNInvalidRevision;
+        std::optional<std::string> conflictOldVersion;
+        std::optional<std::string> conflictNewVersion;
+        std::optional<std::string> conflictWorkingVersion;
+        std::optional<std::string> propertyRejectFilePath;
+        std::optional<Date> upToDateTextDate;
+        std::optional<Date> upToDatePropertyDate;
+        std::optional<std::string> checksum;
+        std::shared_ptr<const LuSVNLock> repositoryLock;
+        std::optional<std::string> changelist;
+        std::shared_ptr<const LuSVNConflict> treeConflict;
+    };
+    // Owns the rare part; a copy of a record copies it too.
+    class RarePart {
+    public:
+        RarePart() = default;
+        RarePart(const RarePart& other) : part_(other.part_ ? std::make_unique<Rare>(*other.part_) : nullptr) {}
+        RarePart(RarePart&&) noexcept = default;
+        RarePart& operator=(const RarePart& other)
+        {
+            part_ = other.part_ ? std::make_unique<Rare>(*other.part_) : nullptr;
+            return *this;
+        }
+        RarePart& operator=(RarePart&&) noexcept = default;
+        bool exists() const { return part_ != nullptr; }
+        const Rare& get() const { return part_ ? *part_ : emptyRare(); }
+        Rare& mutate()
+        {
+            if (!part_)
+                part_ = std::make_unique<Rare>();
+            return *part_;
+        }
+
+    private:
+        std::unique_ptr<Rare> part_;
+    };
+    static const Rare& emptyRare();
+    template <class T>
+    static bool isUnset(const T& value)
+    {
+        return !value;
+    }
+    static bool isUnset(std::int32_t revision) { return revision == LuSVNInvalidRevision; }
+    // Setting "none" on a record without a rare part makes none.
+    template <class T>
+    void setRare(T Rare::*field, T value)
+    {
+        if (rare_.exists() || !isUnset(value))
+            rare_.mutate().*field = std::move(value);
+    }
+
     bool flag(Flag flag) const { return (flags_ & flag) != 0; }
     void setFlag(Flag flag, bool value) { flags_ = value ? (flags_ | flag) : (flags_ & ~flag); }
 
@@ -303,22 +362,7 @@ private:
     std::optional<std::string> lastChangedAuthor_;
     std::uint32_t flags_ = 0;
     std::int32_t outOfDateLastCommitRevision_ = LuSVNInvalidRevision;
-    std::optional<Date> outOfDateLastCommitDate_;
-    std::optional<std::string> outOfDateLastCommitAuthor_;
-    std::shared_ptr<const LuSVNURL> repositoryRootURL_;
-    std::optional<std::string> repositoryUUID_;
     LuSVNSchedule schedule_ = LuSVNScheduleNormal;
-    std::shared_ptr<const LuSVNURL> copyFromURL_;
-    std::int32_t copyFromRevision_ = LuSVNInvalidRevision;
-    std::optional<std::string> conflictOldVersion_;
-    std::optional<std::string> conflictNewVersion_;
-    std::optional<std::string> conflictWorkingVersion_;
-    std::optional<std::string> propertyRejectFilePath_;
-    std::optional<Date> upToDateTextDate_;
-    std::optional<Date> upToDatePropertyDate_;
-    std::optional<std::string> checksum_;
-    std::shared_ptr<const LuSVNLock> repositoryLock_;
-    std::optional<std::string> changelist_;
     LuSVNDepth depth_ = LuSVNDepthUnknown;
-    std::shared_ptr<const LuSVNConflict> treeConflict_;
+    RarePart rare_;
 };

@@ -37,8 +37,8 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::statusWithSVNStatus(const svn_wc_statu
     result->setSwitched(status->switched != 0);
 
     result->outOfDateLastCommitRevision_ = static_cast<std::int32_t>(status->ood_last_cmt_rev);
-    result->outOfDateLastCommitDate_ = LuSVNDateConversion::dateWithAPRTime(status->ood_last_cmt_date);
-    result->outOfDateLastCommitAuthor_ = LuSVNOptionalString(status->ood_last_cmt_author);
+    result->setOutOfDateLastCommitDate(LuSVNDateConversion::dateWithAPRTime(status->ood_last_cmt_date));
+    result->setOutOfDateLastCommitAuthor(LuSVNOptionalString(status->ood_last_cmt_author));
 
     if (const svn_wc_entry_t* entry = status->entry) {
         result->workingRevision_ = static_cast<std::int32_t>(entry->revision);
@@ -51,24 +51,24 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::statusWithSVNStatus(const svn_wc_statu
         result->setHasPropertyModifications(entry->has_prop_mods != 0);
         result->schedule_ = scheduleFromSVNSchedule(entry->schedule);
         if (entry->copyfrom_url)
-            result->copyFromURL_ = LuSVNURL::URLWithString(entry->copyfrom_url);
-        result->copyFromRevision_ = static_cast<std::int32_t>(entry->copyfrom_rev);
-        result->conflictOldVersion_ = LuSVNOptionalString(entry->conflict_old);
-        result->conflictNewVersion_ = LuSVNOptionalString(entry->conflict_new);
-        result->conflictWorkingVersion_ = LuSVNOptionalString(entry->conflict_wrk);
-        result->propertyRejectFilePath_ = LuSVNOptionalString(entry->prejfile);
-        result->upToDateTextDate_ = LuSVNDateConversion::dateWithAPRTime(entry->text_time);
-        result->upToDatePropertyDate_ = LuSVNDateConversion::dateWithAPRTime(entry->prop_time);
-        result->checksum_ = LuSVNOptionalString(entry->checksum);
+            result->setCopyFromURL(LuSVNURL::URLWithString(entry->copyfrom_url));
+        result->setCopyFromRevision(static_cast<std::int32_t>(entry->copyfrom_rev));
+        result->setConflictOldVersion(LuSVNOptionalString(entry->conflict_old));
+        result->setConflictNewVersion(LuSVNOptionalString(entry->conflict_new));
+        result->setConflictWorkingVersion(LuSVNOptionalString(entry->conflict_wrk));
+        result->setPropertyRejectFilePath(LuSVNOptionalString(entry->prejfile));
+        result->setUpToDateTextDate(LuSVNDateConversion::dateWithAPRTime(entry->text_time));
+        result->setUpToDatePropertyDate(LuSVNDateConversion::dateWithAPRTime(entry->prop_time));
+        result->setChecksum(LuSVNOptionalString(entry->checksum));
         // The entries of 1.4 end before the depth.
         if (version.isGreaterThanOrEqualTo(LuSVNVersion::version1_5())) {
             result->depth_ = entry->depth;
-            result->changelist_ = LuSVNOptionalString(entry->changelist);
+            result->setChangelist(LuSVNOptionalString(entry->changelist));
         }
     }
 
     if (status->repos_lock)
-        result->repositoryLock_ = LuSVNLock::lockWithSVNLock(status->repos_lock);
+        result->setRepositoryLock(LuSVNLock::lockWithSVNLock(status->repos_lock));
 
     // The records of 1.4 and 1.5 end before these fields.
     if (version.isGreaterThanOrEqualTo(LuSVNVersion::version1_6())) {
@@ -76,7 +76,7 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::statusWithSVNStatus(const svn_wc_statu
         result->pristinePropertyStatus_ = statusKindFromSVNStatusKind(status->pristine_prop_status);
         result->setFileExternal(status->file_external != 0);
         if (status->tree_conflict)
-            result->treeConflict_ = LuSVNConflict::conflictFromStruct(status->tree_conflict);
+            result->setTreeConflict(LuSVNConflict::conflictFromStruct(status->tree_conflict));
     }
     return result;
 }

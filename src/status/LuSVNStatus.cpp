@@ -66,12 +66,12 @@ std::int32_t LuSVNStatus::revisionFromFilename(std::string_view filename)
 
 std::int32_t LuSVNStatus::conflictOldRevision() const
 {
-    return conflictOldVersion_ ? revisionFromFilename(*conflictOldVersion_) : LuSVNInvalidRevision;
+    return conflictOldVersion() ? revisionFromFilename(*conflictOldVersion()) : LuSVNInvalidRevision;
 }
 
 std::int32_t LuSVNStatus::conflictNewRevision() const
 {
-    return conflictNewVersion_ ? revisionFromFilename(*conflictNewVersion_) : LuSVNInvalidRevision;
+    return conflictNewVersion() ? revisionFromFilename(*conflictNewVersion()) : LuSVNInvalidRevision;
 }
 
 std::shared_ptr<LuSVNStatus> LuSVNStatus::copy() const
@@ -106,23 +106,23 @@ void LuSVNStatus::encodeWithCoder(LuSVNCoder& coder) const
     coder.encodeBool(hasPropertyModifications(), "hasPropertyModifications");
     coder.encodeBool(isFileExternal(), "fileExternal");
     coder.encodeInt64(outOfDateLastCommitRevision_, "outOfDateLastCommitRevision");
-    LuSVNEncodeDate(coder, outOfDateLastCommitDate_, "outOfDateLastCommitDate");
-    coder.encodeString(outOfDateLastCommitAuthor_, "outOfDateLastCommitAuthor");
-    coder.encodeObject(repositoryRootURL_, "repositoryRootURL");
-    coder.encodeString(repositoryUUID_, "repositoryUUID");
+    LuSVNEncodeDate(coder, outOfDateLastCommitDate(), "outOfDateLastCommitDate");
+    coder.encodeString(outOfDateLastCommitAuthor(), "outOfDateLastCommitAuthor");
+    coder.encodeObject(repositoryRootURL(), "repositoryRootURL");
+    coder.encodeString(repositoryUUID(), "repositoryUUID");
     coder.encodeInt64(schedule_, "schedule");
-    coder.encodeObject(copyFromURL_, "copyFromURL");
-    coder.encodeInt64(copyFromRevision_, "copyFromRevision");
-    coder.encodeString(conflictOldVersion_, "conflictOldVersion");
-    coder.encodeString(conflictNewVersion_, "conflictNewVersion");
-    coder.encodeString(conflictWorkingVersion_, "conflictWorkingVersion");
-    coder.encodeString(propertyRejectFilePath_, "propertyRejectFilePath");
-    LuSVNEncodeDate(coder, upToDateTextDate_, "upToDateTextDate");
-    LuSVNEncodeDate(coder, upToDatePropertyDate_, "upToDatePropertyDate");
-    coder.encodeString(checksum_, "checksum");
-    coder.encodeObject(repositoryLock_, "repositoryLock");
-    coder.encodeString(changelist_, "changelist");
-    coder.encodeObject(treeConflict_, "treeConflict");
+    coder.encodeObject(copyFromURL(), "copyFromURL");
+    coder.encodeInt64(copyFromRevision(), "copyFromRevision");
+    coder.encodeString(conflictOldVersion(), "conflictOldVersion");
+    coder.encodeString(conflictNewVersion(), "conflictNewVersion");
+    coder.encodeString(conflictWorkingVersion(), "conflictWorkingVersion");
+    coder.encodeString(propertyRejectFilePath(), "propertyRejectFilePath");
+    LuSVNEncodeDate(coder, upToDateTextDate(), "upToDateTextDate");
+    LuSVNEncodeDate(coder, upToDatePropertyDate(), "upToDatePropertyDate");
+    coder.encodeString(checksum(), "checksum");
+    coder.encodeObject(repositoryLock(), "repositoryLock");
+    coder.encodeString(changelist(), "changelist");
+    coder.encodeObject(treeConflict(), "treeConflict");
 }
 
 std::shared_ptr<LuSVNStatus> LuSVNStatus::initWithCoder(LuSVNCoder& coder)
@@ -156,22 +156,28 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::initWithCoder(LuSVNCoder& coder)
     result->setHasPropertyModifications(coder.decodeBoolForKey("hasPropertyModifications"));
     result->setFileExternal(coder.decodeBoolForKey("fileExternal"));
     result->outOfDateLastCommitRevision_ = revision("outOfDateLastCommitRevision");
-    result->outOfDateLastCommitDate_ = LuSVNDecodeDate(coder, "outOfDateLastCommitDate");
-    result->outOfDateLastCommitAuthor_ = coder.decodeStringForKey("outOfDateLastCommitAuthor");
-    result->repositoryRootURL_ = coder.decodeObjectOfClassForKey<LuSVNURL>("repositoryRootURL");
-    result->repositoryUUID_ = coder.decodeStringForKey("repositoryUUID");
+    result->setOutOfDateLastCommitDate(LuSVNDecodeDate(coder, "outOfDateLastCommitDate"));
+    result->setOutOfDateLastCommitAuthor(coder.decodeStringForKey("outOfDateLastCommitAuthor"));
+    result->setRepositoryRootURL(coder.decodeObjectOfClassForKey<LuSVNURL>("repositoryRootURL"));
+    result->setRepositoryUUID(coder.decodeStringForKey("repositoryUUID"));
     result->schedule_ = static_cast<LuSVNSchedule>(coder.decodeInt64ForKey("schedule"));
-    result->copyFromURL_ = coder.decodeObjectOfClassForKey<LuSVNURL>("copyFromURL");
-    result->copyFromRevision_ = revision("copyFromRevision");
-    result->conflictOldVersion_ = coder.decodeStringForKey("conflictOldVersion");
-    result->conflictNewVersion_ = coder.decodeStringForKey("conflictNewVersion");
-    result->conflictWorkingVersion_ = coder.decodeStringForKey("conflictWorkingVersion");
-    result->propertyRejectFilePath_ = coder.decodeStringForKey("propertyRejectFilePath");
-    result->upToDateTextDate_ = LuSVNDecodeDate(coder, "upToDateTextDate");
-    result->upToDatePropertyDate_ = LuSVNDecodeDate(coder, "upToDatePropertyDate");
-    result->checksum_ = coder.decodeStringForKey("checksum");
-    result->repositoryLock_ = coder.decodeObjectOfClassForKey<LuSVNLock>("repositoryLock");
-    result->changelist_ = coder.decodeStringForKey("changelist");
-    result->treeConflict_ = coder.decodeObjectOfClassForKey<LuSVNConflict>("treeConflict");
+    result->setCopyFromURL(coder.decodeObjectOfClassForKey<LuSVNURL>("copyFromURL"));
+    result->setCopyFromRevision(revision("copyFromRevision"));
+    result->setConflictOldVersion(coder.decodeStringForKey("conflictOldVersion"));
+    result->setConflictNewVersion(coder.decodeStringForKey("conflictNewVersion"));
+    result->setConflictWorkingVersion(coder.decodeStringForKey("conflictWorkingVersion"));
+    result->setPropertyRejectFilePath(coder.decodeStringForKey("propertyRejectFilePath"));
+    result->setUpToDateTextDate(LuSVNDecodeDate(coder, "upToDateTextDate"));
+    result->setUpToDatePropertyDate(LuSVNDecodeDate(coder, "upToDatePropertyDate"));
+    result->setChecksum(coder.decodeStringForKey("checksum"));
+    result->setRepositoryLock(coder.decodeObjectOfClassForKey<LuSVNLock>("repositoryLock"));
+    result->setChangelist(coder.decodeStringForKey("changelist"));
+    result->setTreeConflict(coder.decodeObjectOfClassForKey<LuSVNConflict>("treeConflict"));
     return result;
+}
+
+const LuSVNStatus::Rare& LuSVNStatus::emptyRare()
+{
+    static const Rare empty;
+    return empty;
 }

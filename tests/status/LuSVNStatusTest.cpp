@@ -201,6 +201,8 @@ TEST(LuSVNStatus, ArchiveAndCopyKeepEveryField)
                                                       "carol", std::nullopt, at(4'000'000), std::nullopt));
     status->setDepth(LuSVNDepthFiles);
     status->setTreeConflict(treeConflict());
+    status->setWorkingRevision(13);
+    status->setChangelist("review");
 
     const auto restored =
         LuSVNKeyedUnarchiver::unarchiveObjectOfClass<LuSVNStatus>(LuSVNKeyedArchiver::archivedDataWithRootObject(*status));
@@ -213,6 +215,8 @@ TEST(LuSVNStatus, ArchiveAndCopyKeepEveryField)
         EXPECT_EQ(copy->pristineTextStatus(), LuSVNStatusMissing);
         EXPECT_EQ(copy->pristinePropertyStatus(), LuSVNStatusIgnored);
         EXPECT_EQ(copy->lastChangedRevision(), 12);
+        EXPECT_EQ(copy->workingRevision(), 13);
+        EXPECT_EQ(copy->changelist(), "review");
         EXPECT_EQ(copy->lastChangedDate(), at(1'000'001));
         EXPECT_EQ(copy->lastChangedAuthor(), "alice");
         EXPECT_TRUE(copy->isLocked());
@@ -262,10 +266,15 @@ TEST(LuSVNStatus, ArchiveAndCopyKeepEveryField)
     EXPECT_FALSE(otherRestored->lastChangedDate().has_value());
     EXPECT_EQ(otherRestored->lastChangedRevision(), LuSVNInvalidRevision);
 
-    // A copy is a record of its own.
+    // A copy is a record of its own, the fields that are kept apart included.
     const auto copy = status->copy();
     copy->setTextStatus(LuSVNStatusNormal);
+    copy->setConflictOldVersion("other.r1");
+    copy->setChangelist(std::nullopt);
     EXPECT_EQ(status->textStatus(), LuSVNStatusModified);
+    EXPECT_EQ(copy->conflictNewVersion(), status->conflictNewVersion());
+    EXPECT_NE(status->conflictOldVersion(), copy->conflictOldVersion());
+    EXPECT_NE(status->changelist(), copy->changelist());
 }
 
 TEST(LuSVNStatus, ArchivingNeedsKeyedCoders)
