@@ -2,16 +2,9 @@
 
 static const LuSVNArchivableClassRegistrar<LuSVNDirectory> registrar("LuSVNDirectory");
 
-namespace {
-// Lets make_shared reach the protected constructor: node and reference count
-// in one allocation, as status walks make many.
-struct MadeDirectory final : LuSVNDirectory {
-};
-}  // namespace
-
 std::shared_ptr<LuSVNDirectory> LuSVNDirectory::directory()
 {
-    return std::make_shared<MadeDirectory>();
+    return std::shared_ptr<LuSVNDirectory>(new LuSVNDirectory());
 }
 
 std::shared_ptr<LuSVNDirectory> LuSVNDirectory::nodeWithPath(const Path& path)

@@ -2,16 +2,9 @@
 
 static const LuSVNArchivableClassRegistrar<LuSVNFile> registrar("LuSVNFile");
 
-namespace {
-// Lets make_shared reach the protected constructor: node and reference count
-// in one allocation, as status walks make many.
-struct MadeFile final : LuSVNFile {
-};
-}  // namespace
-
 std::shared_ptr<LuSVNFile> LuSVNFile::file()
 {
-    return std::make_shared<MadeFile>();
+    return std::shared_ptr<LuSVNFile>(new LuSVNFile());
 }
 
 std::shared_ptr<LuSVNFile> LuSVNFile::nodeWithPath(const Path& path)

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <typeinfo>
+
 #include "LuSVNSubversion.h"
 #include "NonKeyedCoder.h"
 #include "TesseraTestSupport.h"
@@ -138,6 +140,18 @@ std::shared_ptr<LuSVNDirectory> fullDirectory()
     node->setAggregateChildStatus(LuSVNStatusModified | LuSVNStatusNormal);
     node->setAggregateRepositoryChildStatus(LuSVNStatusAdded);
     return node;
+}
+
+// Factories and copies make nodes of exactly the class asked for, so that
+// code dispatching on the dynamic type sees a file as a file.
+TEST(LuSVNNode, FactoriesAndCopiesMakeExactlyTheirClass)
+{
+    const std::shared_ptr<LuSVNNode> nodes[] = {LuSVNNode::node(), LuSVNFile::file(), LuSVNDirectory::directory()};
+    const std::type_info* classes[] = {&typeid(LuSVNNode), &typeid(LuSVNFile), &typeid(LuSVNDirectory)};
+    for (std::size_t i = 0; i < std::size(nodes); ++i) {
+        EXPECT_EQ(typeid(*nodes[i]), *classes[i]) << classes[i]->name();
+        EXPECT_EQ(typeid(*nodes[i]->copy()), *classes[i]) << classes[i]->name();
+    }
 }
 
 TEST(LuSVNNode, CopiesShareAllButTheStatus)
