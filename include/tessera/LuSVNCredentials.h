@@ -52,7 +52,7 @@ struct TESSERA_EXPORT LuSVNCredentialsClass {
                     return std::shared_ptr<LuSVNCredentials>(
                         T::credentialsFromStruct(static_cast<const typename T::SVNStruct*>(creds)));
                 },
-                [](const LuSVNCredentials& credentials) { return dynamic_cast<const T*>(&credentials) != nullptr; }};
+                [](const LuSVNCredentials& object) { return dynamic_cast<const T*>(&object) != nullptr; }};
     }
 };
 
