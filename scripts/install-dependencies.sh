@@ -11,6 +11,7 @@ packages="
   clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   binutils libxml2-utils jq
+  doxygen
 "
 
 missing=""

@@ -1,12 +1,16 @@
 #!/bin/sh
 # Builds Tessera and runs every test: the plain build, then the whole suite
 # again under AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer,
-# the fuzz targets, and the tests that use threads under ThreadSanitizer.
+# the fuzz targets, and the tests that use threads under ThreadSanitizer; also
+# builds the API reference and checks that no public member lost its comment.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/build.sh
 build="${TESSERA_BUILD_DIR:-build}"
 ctest --test-dir "$build" --output-on-failure -j "$(nproc)"
+
+echo "== API reference: no more undocumented public members than before"
+TESSERA_API_DOCS_DIR="$build/api-docs" scripts/api-docs.sh
 
 echo "== under AddressSanitizer and UndefinedBehaviorSanitizer"
 TESSERA_BUILD_DIR="$build-asan" scripts/build.sh -DTESSERA_SANITIZE=address,undefined -DTESSERA_BUILD_BENCHMARKS=OFF

@@ -65,6 +65,48 @@ public:
     virtual void contextQueryContinue(LuSVNContext& context, bool& shouldContinue);
 };
 
+/// The client context in which every operation runs.
+///
+/// **Start-up.** Call LuSVNInitialize() once, from one thread, before making
+/// the first context: it loads the backends. Without it the loader has no
+/// backend, and context() (or contextWithBundle with the loader's null
+/// newestBundle()) raises LuSVNInternalInconsistencyException "Invalid
+/// parameter not satisfying: bundle != nil". Value types (paths, URLs,
+/// revisions, versions) need no initialisation.
+///
+/// **Threads.** No thread of the library's own exists; every callback
+/// (notifications, log messages, credential prompts, contextQueryContinue)
+/// runs on the thread of the operation that caused it. Operations push the
+/// context's backend on the calling thread themselves.
+/// - One context serves one operation at a time. Never run two operations on
+///   one context at once; give each thread its own context, or borrow them
+///   from a LuSVNContextPool, which hands each thread its own.
+/// - The binding (bundle(), bundleVersion(), setBundle()) and the listener
+///   setters take the context's own lock and may be called from any thread,
+///   but rebinding a context while an operation runs on it is an error.
+/// - The context's authenticationStack() has no lock: change it only on the
+///   thread that runs the context's operations, between operations.
+/// - Shared freely between threads: LuSVNBundleLoader::sharedInstance(), its
+///   LuSVNBundleProxy objects, the notification-handler and log-message
+///   provider chains (each guards itself), LuSVNContextPool, and the
+///   immutable values (LuSVNPath and its subclasses, LuSVNRevision,
+///   LuSVNRevisionSpec, LuSVNVersion).
+/// - Nodes (LuSVNNode) and their LuSVNStatus have setters and no lock: hand
+///   them to another thread once the operation that made them has returned,
+///   and do not change one while another thread reads it.
+///
+/// **Lifetimes.** What an operation answers (nodes with their statuses,
+/// paths, URLs, revisions) holds no reference to the context or its pools:
+/// it may outlive the context. A context may outlive every object the
+/// application handed it except the delegate, which is not retained (a
+/// delegate that is gone is simply not asked). The pool() and ctx() of a
+/// context belong to it: do not keep them past setBundle() or the
+/// context's end.
+///
+/// **Errors.** Failures raise the exceptions of LuSVNException.h, which says
+/// what to catch; an exception that the application's own handler or
+/// provider raises during an operation reaches the caller unchanged once
+/// Subversion has returned. One raised by contextQueryContinue is ignored.
 class TESSERA_EXPORT LuSVNContext : public LuSVNAuthenticationStackDelegate,
                                     public std::enable_shared_from_this<LuSVNContext> {
 public:

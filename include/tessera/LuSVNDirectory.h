@@ -85,10 +85,32 @@ public:
     /// Status words by the string() of a directory's path.
     using StatiiByPath = std::unordered_map<std::string, std::uint32_t>;
 
+    /// The status walk described above: one node per item that Subversion
+    /// reports under `path`, each with its status().
+    ///
+    /// @param path An absolute path without "." or ".." components, of a
+    ///   working-copy directory or file. A directory is walked as deep as the
+    ///   options say; a file answers its own node at most. A path that is
+    ///   not in a working copy (also one that does not exist) raises
+    ///   LuSVNNotWorkingCopyException "'<path>' is not a working copy" and
+    ///   leaves the out-arguments alone.
+    /// @param options What to report (LuSVNStatusOptions.h); the object is
+    ///   only read.
+    /// @param directory Receives the node of `path` itself when the walk
+    ///   reports it, else null. The root is reported, and then is one of the
+    ///   nodes too, when includeNormalFiles is set or it has a change of its
+    ///   own; a file target never gives one. May be null.
+    /// @param localChangeCount Receives the local change count; may be null.
+    /// @param remoteChangeCount Receives the remote change count; may be null.
+    /// @param context The context whose backend walks; the nodes keep no
+    ///   reference to it and may outlive it.
+    /// @return The nodes in the order Subversion reported them: new objects
+    ///   owned by the caller.
     static Nodes statusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
                                                  std::shared_ptr<LuSVNDirectory>* directory,
                                                  std::uint32_t* localChangeCount, std::uint32_t* remoteChangeCount,
                                                  const Context& context);
+    /// The status walk without out-arguments.
     static Nodes statusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
                                                  const Context& context);
 

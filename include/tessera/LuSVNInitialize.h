@@ -11,6 +11,13 @@
 
 #include <tessera/LuSVNExport.h>
 
+/// Starts the library: call it once, from one thread, before making a
+/// LuSVNContext or asking LuSVNBundleLoader for a backend. Loads every backend
+/// of LuSVNBundleLoader::defaultBundleDirectory() (the directory
+/// tessera/backends beside libtessera), sets the C locale from the
+/// environment and creates the user's Subversion configuration area when it
+/// is missing. Later calls return at once. Until it has run no backend is
+/// loaded, so no operation can reach Subversion.
 TESSERA_EXPORT void LuSVNInitialize();
 
 /// The same; the options are accepted for future use and not read.

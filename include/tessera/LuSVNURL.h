@@ -39,6 +39,29 @@ enum LuSVNURLType : int {
     LuSVNURLTypeRelativeToScheme = 4,     ///< begins with "//"
 };
 
+/// A repository URL, the LuSVNPath that names a location in a repository.
+///
+/// Make one with URLWithString() from text that is already percent-escaped
+/// ("svn://host/repo/a%20b"), or with URLEncodeString() from text that is not
+/// ("svn://host/repo/a b" gives the same URL); add path components with
+/// pathByAddingComponent() (escaped) or pathByNormalizingAndAddingComponent()
+/// (plain). Malformed text raises LuSVNInvalidArgumentException; an empty
+/// text is a broken precondition (LuSVNInternalInconsistencyException).
+///
+/// A URL is an immutable value: share it freely, also between threads. It
+/// needs neither LuSVNInitialize() nor a context, except
+/// SVNRepresentationInPool(), which calls the backend on top of the calling
+/// thread's stack (operations push their context's backend themselves).
+///
+/// Equality and hashing use the stored text: "svn://host/repo/"
+/// equals "svn://host/repo" (one trailing "/" is removed), but a user, an
+/// explicit default port, or another case of scheme or host makes another
+/// URL. To ask whether two URLs name the same location, compare their
+/// canonicalize() forms, which drop the user and make the port explicit;
+/// the case of scheme and host is kept there too.
+///
+/// string() is the escaped text that Subversion takes; denormalizedString()
+/// and the other denormalized forms are decoded for showing to a person.
 class TESSERA_EXPORT LuSVNURL final : public LuSVNPath {
 public:
     using URLPath = std::shared_ptr<const LuSVNURL>;
