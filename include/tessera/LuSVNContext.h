@@ -127,6 +127,7 @@ public:
     /// The same with the user's default configuration directory.
     static std::shared_ptr<LuSVNContext> contextWithBundle(std::shared_ptr<LuSVNBundleProxy> bundle,
                                                            std::weak_ptr<LuSVNContextDelegate> delegate);
+    /// The same without delegate.
     static std::shared_ptr<LuSVNContext> contextWithBundle(std::shared_ptr<LuSVNBundleProxy> bundle);
     /// A context for the loader's default backend.
     static std::shared_ptr<LuSVNContext> context();
@@ -137,6 +138,7 @@ public:
 
     // --- Backend binding -----------------------------------------------------
 
+    /// The bound backend; null while unbound.
     std::shared_ptr<LuSVNBundleProxy> bundle() const;
     /// The loader's version of the backend; nullopt without backend (or for a
     /// backend the loader does not know).
@@ -156,6 +158,7 @@ public:
     /// For operations: the root pool and the client context; null while
     /// unbound.
     apr_pool_t* pool() const { return pool_; }
+    /// See pool().
     svn_client_ctx_t* ctx() const { return ctx_; }
 
     /// Null while unbound.
@@ -211,6 +214,7 @@ public:
     std::vector<std::string> globalIgnoreList() const;
     /// LuSVNConfigDefaultGlobalIgnores.
     static std::string defaultGlobalIgnoreString();
+    /// defaultGlobalIgnoreString() split with globalIgnoreListFromString.
     static std::vector<std::string> defaultGlobalIgnoreList();
     /// The text split at single blanks, each piece trimmed of white space
     /// (as LuSVNTrim), the empty pieces left out, in order.
@@ -220,12 +224,15 @@ public:
 
     /// Not retained.
     std::shared_ptr<LuSVNContextDelegate> delegate() const;
+    /// Replaces the delegate; it is not retained.
     void setDelegate(std::weak_ptr<LuSVNContextDelegate> delegate);
     /// Owned.
     std::shared_ptr<LuSVNLogMessageProvider> logMessageProvider() const;
+    /// Replaces the provider (null: commits get an empty message).
     void setLogMessageProvider(std::shared_ptr<LuSVNLogMessageProvider> provider);
     /// Owned: the first link of the handler chain.
     std::shared_ptr<LuSVNNotificationHandler> notificationHandler() const;
+    /// Replaces the first link of the handler chain (null: no notifications).
     void setNotificationHandler(std::shared_ptr<LuSVNNotificationHandler> handler);
 
     /// Hands the notification to the notification handler, if any.

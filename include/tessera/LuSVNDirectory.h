@@ -17,6 +17,8 @@
 #include <tessera/LuSVNNode.h>
 #include <tessera/LuSVNStatusOptions.h>
 
+/// A directory node; its class answers the status walk
+/// (statusForNodesInDirectoryAtPath) and the externals queries.
 class TESSERA_EXPORT LuSVNDirectory : public LuSVNNode {
 public:
     /// As LuSVNNode::node, a directory.

@@ -64,6 +64,7 @@ enum LuSVNURLType : int {
 /// and the other denormalized forms are decoded for showing to a person.
 class TESSERA_EXPORT LuSVNURL final : public LuSVNPath {
 public:
+    /// How URLs are handed around: shared, immutable.
     using URLPath = std::shared_ptr<const LuSVNURL>;
 
     // --- Making URLs ------------------------------------------------------
@@ -170,7 +171,9 @@ public:
     /// This URL with another scheme, user or port (nullopt: none), rebuilt
     /// with URLWithScheme and relativePath().
     URLPath URLWithScheme(const std::string& scheme) const;
+    /// This URL with another user (nullopt: none).
     URLPath URLWithUser(const std::optional<std::string>& user) const;
+    /// This URL with another port (nullopt: none).
     URLPath URLWithPort(std::optional<int> port) const;
     /// The child named by an already escaped component; "/" around it is
     /// trimmed and "/" alone answers the receiver. A component of nothing but
