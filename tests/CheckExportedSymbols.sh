@@ -31,10 +31,12 @@ nm -D --defined-only -C "$library" | cut -d' ' -f3- |
 
 : > "$work/undeclared"
 while read -r name; do
-  case "$name" in std::* | __gnu_cxx::* | _init | _fini | "") continue ;; esac
+  # Names beginning with "__" are the implementation's (sanitizer
+  # instrumentation among them).
+  case "$name" in std::* | __* | _init | _fini | "") continue ;; esac
   # Each part of the qualified name; a destructor is named after its class,
-  # operators by their declaration "operator".
-  for part in $(echo "$name" | sed -e 's/::/ /g' -e 's/~//g' -e 's/operator[^ ]*/operator/g'); do
+  # operators by their declaration "operator", "void*" by "void".
+  for part in $(echo "$name" | sed -e 's/::/ /g' -e 's/[~*&]//g' -e 's/operator[^ ]*/operator/g'); do
     if ! grep -qx -- "$part" "$work/declared"; then
       echo "$name" >> "$work/undeclared"
       break
