@@ -107,6 +107,23 @@ std::string withPathDelimitersEscaped(const std::string& text)
     return result;
 }
 
+// The text with each of the characters as "%xx" (lower-case hex).
+std::string withEscaped(std::string_view text, std::string_view characters)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string result;
+    for (const char c : text) {
+        if (characters.find(c) == std::string_view::npos) {
+            result += c;
+        } else {
+            result += '%';
+            result += digits[static_cast<unsigned char>(c) >> 4];
+            result += digits[static_cast<unsigned char>(c) & 0xF];
+        }
+    }
+    return result;
+}
+
 // The parse of a text with "://", or nullopt when the parser refuses it.
 std::optional<ParsedURL> parse(const std::string& text)
 {
@@ -198,32 +215,11 @@ LuSVNURL::URLPath LuSVNURL::URLWithScheme(const std::optional<std::string>& sche
     if (!scheme)
         return nullptr;
     std::string text = *scheme + "://";
-    if (user) {
-        for (const char c : *user) {
-            switch (c) {
-            case '%': text += "%25"; break;
-            case '@': text += "%40"; break;
-            case ':': text += "%3a"; break;
-            case '/': text += "%2f"; break;
-            case '\\': text += "%5c"; break;
-            case ' ': text += "%20"; break;
-            default: text += c;
-            }
-        }
-        text += '@';
-    }
+    if (user)
+        text += withEscaped(*user, "%@:/\\ ") + '@';
     if (host) {
         // Also what would end the host early, so that it reads back whole.
-        for (const char c : *host) {
-            switch (c) {
-            case '%': text += "%25"; break;
-            case '/': text += "%2F"; break;
-            case '@': text += "%40"; break;
-            case '?': text += "%3F"; break;
-            case '#': text += "%23"; break;
-            default: text += c;
-            }
-        }
+        text += withEscaped(*host, "%/@?#");
         if (port)
             text += ":" + std::to_string(*port);
     }
