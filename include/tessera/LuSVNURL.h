@@ -66,11 +66,11 @@ public:
     /// "Invalid parameter not satisfying: string != nil && [string length] > 0".
     static URLPath URLEncodeString(const std::string& text);
     /// Builds "scheme://user@host:port/path" from the parts and answers
-    /// URLWithString of it; nullptr without a scheme. In the user "%", "@",
-    /// ":", "/", "\\" and " " are escaped ("a@b:c" gives "a%40b%3ac"), in the
-    /// host "%", "/", "@", "?" and "#"; the port is written only with a
-    /// host; a path not beginning with "/" gets one, an empty path is left
-    /// out.
+    /// URLWithString of it; nullptr without a scheme. In the user and the
+    /// host every character RFC 3986 does not allow there is escaped
+    /// (lower-case hex: "a@b:c" gives "a%40b%3ac"), but for an IP literal
+    /// host ("[::1]"); the port is written only with a host; a path not
+    /// beginning with "/" gets one, an empty path is left out.
     static URLPath URLWithScheme(const std::optional<std::string>& scheme, const std::optional<std::string>& user,
                                  const std::optional<std::string>& host, std::optional<int> port,
                                  const std::optional<std::string>& path);

@@ -107,13 +107,15 @@ std::string withPathDelimitersEscaped(const std::string& text)
     return result;
 }
 
-// The text with each of the characters as "%xx" (lower-case hex).
-std::string withEscaped(std::string_view text, std::string_view characters)
+// A user or host name with every character RFC 3986 does not let stand
+// there as "%xx" (lower-case hex), so that it reads back whole.
+std::string authorityEscaped(std::string_view text)
 {
     static const char digits[] = "0123456789abcdef";
     std::string result;
     for (const char c : text) {
-        if (characters.find(c) == std::string_view::npos) {
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+            std::string_view("-._~!$&'()*+,;=").find(c) != std::string_view::npos) {
             result += c;
         } else {
             result += '%';
@@ -216,10 +218,9 @@ LuSVNURL::URLPath LuSVNURL::URLWithScheme(const std::optional<std::string>& sche
         return nullptr;
     std::string text = *scheme + "://";
     if (user)
-        text += withEscaped(*user, "%@:/\\ ") + '@';
+        text += authorityEscaped(*user) + '@';
     if (host) {
-        // Also what would end the host early, so that it reads back whole.
-        text += withEscaped(*host, "%/@?#");
+        text += host->starts_with('[') ? *host : authorityEscaped(*host);  // an IP literal as it is
         if (port)
             text += ":" + std::to_string(*port);
     }

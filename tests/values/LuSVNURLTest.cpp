@@ -177,7 +177,8 @@ TEST(LuSVNURLTest, BuildingFromParts)
         {"svn", "%/\\ x", "h", std::nullopt, std::nullopt, "svn://%25%2f%5c%20x@h"},
         {"svn", std::nullopt, "h", 99, "r", "svn://h:99/r"},
         {"svn", std::nullopt, "h%", std::nullopt, "/r", "svn://h%25/r"},
-        {"svn", std::nullopt, "h/x@y?z#", 1, "/r", "svn://h%2fx%40y%3fz%23:1/r"},
+        {"svn", std::nullopt, "h/x@y?z# ", 1, "/r", "svn://h%2fx%40y%3fz%23%20:1/r"},
+        {"svn", "\xC3\xBC;", "[::1]", 1, "/r", "svn://%c3%bc;@[::1]:1/r"},
         {"svn", std::nullopt, std::nullopt, 99, "/r", "svn:///r"},
         {"svn", std::nullopt, "h", std::nullopt, "", "svn://h"},
         {std::nullopt, "u", "h", 1, "/r", std::nullopt},
@@ -185,10 +186,13 @@ TEST(LuSVNURLTest, BuildingFromParts)
     for (const auto& c : cases)
         EXPECT_EQ(text(LuSVNURL::URLWithScheme(c.scheme, c.user, c.host, c.port, c.path)), c.url);
     // A decoded host is escaped again wherever it would end early.
-    const auto odd = LuSVNURL::URLWithString("svn://h%2Fx%40y/r");
-    EXPECT_EQ(odd->host(), "h/x@y");
-    EXPECT_EQ(odd->URLWithPort(1)->host(), "h/x@y");
-    EXPECT_EQ(odd->URLWithPort(1)->relativePath(), "/r");
+    for (const char* text : {"svn://h%2Fx%40y/r", "svn://u%C3%BC@h%20"}) {
+        const auto odd = LuSVNURL::URLWithString(text);
+        const auto rebuilt = odd->URLWithPort(1);
+        EXPECT_EQ(rebuilt->user(), odd->user()) << text;
+        EXPECT_EQ(rebuilt->host(), odd->host()) << text;
+        EXPECT_EQ(rebuilt->relativePath(), odd->relativePath()) << text;
+    }
     EXPECT_EQ(LuSVNURL::URLWithString("svn://u@h:1/r")->hostAndScheme(), "svn://u@h:1");
     EXPECT_EQ(LuSVNURL::URLWithString("file:///x")->hostAndScheme(), "file://");
     const auto u = LuSVNURL::URLWithString("svn://u@h/r");
