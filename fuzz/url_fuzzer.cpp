@@ -1,8 +1,9 @@
 // URLs made from arbitrary text. Construction either succeeds or raises
 // LuSVNInvalidArgumentException; what it makes reconstructs from its own text,
-// survives copying and archiving, has a finite chain of parents of which it
-// is a descendant, and converts to Subversion's form or is refused, never
-// handed to a Subversion that would abort.
+// and from its parts into a URL with the same parts (no part of the path is
+// lost on the way), survives copying and archiving, has a finite chain of
+// parents of which it is a descendant, and converts to Subversion's form or
+// is refused, never handed to a Subversion that would abort.
 // Percent-escaping round-trips for every text, and a URL made from escaped
 // display text shows that text again.
 #include <tessera/LuSVNBundleLoader.h>
@@ -37,6 +38,11 @@ bool losesTrailingSlash(const std::string& text)
     return text.ends_with("/") && !text.ends_with("://") && lower != "file:///";
 }
 
+std::string decodedPath(const LuSVNURL& url)
+{
+    return tessera_private::LuSVNReplacePercentEscapes(url.relativePath());
+}
+
 void checkURL(const LuSVNURL::URLPath& url)
 {
     const std::string& text = url->string();
@@ -63,6 +69,16 @@ void checkURL(const LuSVNURL::URLPath& url)
 
     // Rebuilding may meet a user or host that cannot stand in a URL once
     // decoded; that is refused, never a crash. Canonical forms are stable.
+    try {
+        const auto rebuilt = LuSVNURL::URLWithScheme(url->scheme(), url->user(), url->host(), url->port(),
+                                                     url->relativePath());
+        require(rebuilt->user() == url->user() && rebuilt->host() == url->host() && rebuilt->port() == url->port(),
+                "rebuilding keeps user, host and port");
+        // Construction takes a trailing "/" off the text again.
+        require(decodedPath(*rebuilt) == decodedPath(*url) || decodedPath(*rebuilt) + "/" == decodedPath(*url),
+                "rebuilding keeps the path");
+    } catch (const LuSVNInvalidArgumentException&) {
+    }
     try {
         const auto canonical = url->canonicalize();
         if (!losesTrailingSlash(canonical->string()))

@@ -5,7 +5,7 @@
 //   syncAtTransactionCommit   boolean   true    flush the log at each commit
 //   automaticLogFileRemoval   boolean   true    remove log files no longer used
 //
-// addLuSVNOptionsTo stores the compatibility entry of LuSVNRepositoryOptions,
+// addLuSVNOptionsTo stores the compatibility entries of LuSVNRepositoryOptions,
 // then "bdb-txn-nosync" = "0" when syncAtTransactionCommit is set, else "1",
 // and "bdb-log-autoremove" = "1" when automaticLogFileRemoval is set, else "0".
 //
@@ -24,7 +24,7 @@ public:
     void setSyncAtTransactionCommit(bool sync) { syncAtTransactionCommit_ = sync; }
     void setAutomaticLogFileRemoval(bool removal) { automaticLogFileRemoval_ = removal; }
 
-    void addLuSVNOptionsTo(apr_hash_t* hash) const override;
+    void addLuSVNOptionsTo(apr_hash_t* hash, apr_pool_t* pool) const override;
 
     std::string description() const override;
 

@@ -9,13 +9,17 @@
 // The text is kept as the caller gave it, after trimming white space and
 // removing one trailing "/", with its percent escapes as given; it is compared
 // and hashed as such. It is parsed once (RFC 3986) for its user, host, port
-// and path. A scheme the parser would refuse (one holding "_", say) is
-// replaced by the word "scheme" for parsing only.
+// and path. As for Subversion, the path runs from the "/" after the host to
+// the end: "?" and "#" in it are path characters, not a query or fragment
+// ("svn://h/a#b" names "a#b"), and a "?" or "#" before that "/" is refused.
+// A scheme the parser would refuse (one holding "_", say) is replaced by the
+// word "scheme" for parsing only.
 //
-// Percent-escaping (URLEncodeString, the "normalizing" operations) escapes, as
-// UTF-8 bytes, every character that may not stand in a URL: controls, space,
-// "%", "\"<>\\^`{|}[]" and everything beyond ASCII; letters, digits,
-// "-_.!~*'()" and the reserved ";/?:@&=+$,#" are kept. Decoding (the
+// Percent-escaping (URLEncodeString, the "normalizing" operations, every URL
+// the library makes from a name) escapes, as UTF-8 bytes, every character
+// that may not stand in a URL's path, and ";", as Subversion does: controls,
+// space, "%", "?", "#", ";", "\"<>\\^`{|}[]" and everything beyond ASCII;
+// letters, digits, "-_.~!$&'()*+,=:@/" are kept. Decoding (the
 // denormalised forms) inverts it exactly; a text whose escapes do not decode
 // to UTF-8 is shown undecoded.
 //
@@ -86,10 +90,11 @@ public:
     /// "Invalid parameter not satisfying: string != nil && [string length] > 0".
     static URLPath URLEncodeString(const std::string& text);
     /// Builds "scheme://user@host:port/path" from the parts and answers
-    /// URLWithString of it; nullptr without a scheme. In the user "%", "@",
-    /// ":", "/", "\\" and " " are escaped ("a@b:c" gives "a%40b%3ac"), in the
-    /// host "%"; the port is written only with a host; a path not beginning
-    /// with "/" gets one, an empty path is left out.
+    /// URLWithString of it; nullptr without a scheme. In the user and the
+    /// host every character RFC 3986 does not allow there is escaped
+    /// (lower-case hex: "a@b:c" gives "a%40b%3ac"), but for an IP literal
+    /// host ("[::1]"); the port is written only with a host; a path not
+    /// beginning with "/" gets one, an empty path is left out.
     static URLPath URLWithScheme(const std::optional<std::string>& scheme, const std::optional<std::string>& user,
                                  const std::optional<std::string>& host, std::optional<int> port,
                                  const std::optional<std::string>& path);
@@ -126,8 +131,7 @@ public:
     const std::string& host() const { return host_; }
     /// The port written in the URL; nullopt when there is none.
     std::optional<int> port() const { return port_; }
-    /// The path (without query or fragment) decoded and escaped again; "" when
-    /// there is none.
+    /// The path decoded and escaped again; "" when there is none.
     std::string relativePath() const;
     /// The path decoded.
     std::string denormalizedRelativePath() const;
@@ -159,14 +163,15 @@ public:
     /// without a path "URL is not a valid file URL".
     std::shared_ptr<const LuSVNLocalPath> localPath() const override;
     /// The receiver without a user; the receiver itself when it has none.
-    /// Query and fragment are not kept.
     Path stripUser() const override;
-    /// The form in which two URLs compare for identity of location:
+    /// The form in which two URLs compare for identity of location, its path
+    /// always relativePath() (so "a#b" and "a%23b" agree, as "a%7e" and "a~"):
     ///  1. file URLs: "file://localhost/" (any case) becomes "file:///";
-    ///  2. tunnelled schemes: stripUser();
+    ///  2. tunnelled schemes: no user;
     ///  3. others: no user and an explicit port (the URL's own, else
     ///     defaultPortForScheme), "svn://user@host/r" giving
-    ///     "svn://host:3690/r"; the receiver when the port is unknown (0).
+    ///     "svn://host:3690/r"; user and port as they are when the port is
+    ///     unknown (0).
     Path canonicalize() const override;
     /// This URL with another scheme, user or port (nullopt: none), rebuilt
     /// with URLWithScheme and relativePath().

@@ -2,9 +2,9 @@
 
 #include "LuSVNEntryPoints+Typed.h"
 
-void LuSVNBerkeleyDBOptions::addLuSVNOptionsTo(apr_hash_t* hash) const
+void LuSVNBerkeleyDBOptions::addLuSVNOptionsTo(apr_hash_t* hash, apr_pool_t* pool) const
 {
-    LuSVNRepositoryOptions::addLuSVNOptionsTo(hash);
+    LuSVNRepositoryOptions::addLuSVNOptionsTo(hash, pool);
     LuSVNEntry<18>()(hash, "bdb-txn-nosync", APR_HASH_KEY_STRING, syncAtTransactionCommit_ ? "0" : "1");
     LuSVNEntry<18>()(hash, "bdb-log-autoremove", APR_HASH_KEY_STRING, automaticLogFileRemoval_ ? "1" : "0");
 }

@@ -58,7 +58,7 @@ std::shared_ptr<LuSVNRepository> LuSVNRepository::createRepositoryOfType(const s
     // The file system keeps this table for its lifetime, so everything in it lives in the pool.
     apr_hash_t* fileSystemConfiguration = LuSVNEntry<13>()(pool);
     LuSVNEntry<18>()(fileSystemConfiguration, "fs-type", APR_HASH_KEY_STRING, LuSVNEntry<4>()(pool, type.c_str()));
-    options.addLuSVNOptionsTo(fileSystemConfiguration);
+    options.addLuSVNOptionsTo(fileSystemConfiguration, pool);
 
     apr_hash_t* configuration = nullptr;
     LuSVNThrowIfError(LuSVNEntry<38>()(&configuration, nullptr, pool));

@@ -21,8 +21,9 @@ std::string LuSVNDeletingLastPathComponent(std::string_view text);
 /// the other.
 std::string LuSVNAppendingPathComponent(std::string_view text, std::string_view component);
 
-/// Every byte that may not stand in a URL as "%XX" (upper-case hex): all but
-/// letters, digits, "-_.!~*'()" and ";/?:@&=+$,#". Exported for the tests.
+/// Every byte that may not stand in a URL's path as "%XX" (upper-case hex):
+/// all but letters, digits, "-_.~!$&'()*+,=:@/", so "?", "#", ";", "%",
+/// "[" and "]" are escaped as Subversion escapes them. Exported for the tests.
 TESSERA_EXPORT std::string LuSVNAddPercentEscapes(std::string_view text);
 
 /// Each "%XX" with two hex digits as its byte; anything else as it is. Inverts

@@ -11,11 +11,13 @@ std::string_view withoutTrailingSlashes(std::string_view text)
     return text;
 }
 
+// What RFC 3986 lets stand in a path, but ";", which Subversion escapes too:
+// URLs made here read as Subversion's own.
 bool isKeptInURLs(unsigned char c)
 {
     if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'))
         return true;
-    return std::string_view("-_.!~*'();/?:@&=+$,#").find(static_cast<char>(c)) != std::string_view::npos;
+    return std::string_view("-_.~!$&'()*+,=:@/").find(static_cast<char>(c)) != std::string_view::npos;
 }
 
 int hexValue(char c)

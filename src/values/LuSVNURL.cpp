@@ -82,13 +82,57 @@ bool subversionAccepts(std::string_view text, const UriUriA& uri)
            !(hasEmptyPort && uri.hostText.first == uri.hostText.afterLast);
 }
 
+// Where the path starts: at the first "/" after "://", or npos.
+std::size_t pathStartOf(std::string_view text)
+{
+    return text.find('/', text.find("://") + 3);
+}
+
+// Subversion reads "?" and "#" in a URL as part of its path, never as the
+// start of a query or fragment; the parser is shown them escaped.
+std::string withPathDelimitersEscaped(const std::string& text)
+{
+    const std::size_t pathStart = pathStartOf(text);
+    if (pathStart == std::string::npos)
+        return text;
+    std::string result = text.substr(0, pathStart);
+    for (std::size_t i = pathStart; i < text.size(); ++i) {
+        if (text[i] == '?')
+            result += "%3F";
+        else if (text[i] == '#')
+            result += "%23";
+        else
+            result += text[i];
+    }
+    return result;
+}
+
+// A user or host name with every character RFC 3986 does not let stand
+// there as "%xx" (lower-case hex), so that it reads back whole.
+std::string authorityEscaped(std::string_view text)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string result;
+    for (const char c : text) {
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+            std::string_view("-._~!$&'()*+,;=").find(c) != std::string_view::npos) {
+            result += c;
+        } else {
+            result += '%';
+            result += digits[static_cast<unsigned char>(c) >> 4];
+            result += digits[static_cast<unsigned char>(c) & 0xF];
+        }
+    }
+    return result;
+}
+
 // The parse of a text with "://", or nullopt when the parser refuses it.
 std::optional<ParsedURL> parse(const std::string& text)
 {
     // Bytes the parser never sees (the scheme is replaced) must still be text.
     if (!LuSVNIsValidUTF8(text) || text.find('\0') != std::string::npos)
         return std::nullopt;
-    const std::string parsable = LuSVNURL::parsableURLForString(text);
+    const std::string parsable = withPathDelimitersEscaped(LuSVNURL::parsableURLForString(text));
     UriUriA uri;
     const char* errorPosition = nullptr;
     if (uriParseSingleUriExA(&uri, parsable.data(), parsable.data() + parsable.size(), &errorPosition) !=
@@ -99,7 +143,8 @@ std::optional<ParsedURL> parse(const std::string& text)
     long port = 0;
     for (const char digit : portText)
         port = std::min(port * 10 + (digit - '0'), 65536L);
-    if (uri.scheme.first && port <= 65535) {
+    // A query or fragment can only have come from the authority: refused.
+    if (uri.scheme.first && port <= 65535 && !uri.query.first && !uri.fragment.first) {
         parsed.emplace();
         if (uri.userInfo.first) {
             const std::string userInfo = rangeText(uri.userInfo);
@@ -116,18 +161,14 @@ std::optional<ParsedURL> parse(const std::string& text)
     return parsed;
 }
 
-// The path as it stands in a parsed text: from the "/" that ends the
-// authority to the query or fragment.
-// Where the path stands in the text: its offset and length (0 for none).
+// Where the path stands in a parsed text: its offset and length (0 for
+// none). It runs to the end: there is no query or fragment.
 std::pair<std::size_t, std::size_t> rawPathOf(std::string_view text)
 {
-    const std::size_t restStart = text.find("://") + 3;
-    const std::string_view rest = text.substr(restStart);
-    const std::size_t start = rest.find_first_of("/?#");
-    if (start == std::string_view::npos || rest[start] != '/')
+    const std::size_t start = pathStartOf(text);
+    if (start == std::string_view::npos)
         return {text.size(), 0};
-    const std::size_t end = rest.find_first_of("?#", start);
-    return {restStart + start, (end == std::string_view::npos ? rest.size() : end) - start};
+    return {start, text.size() - start};
 }
 
 }  // namespace
@@ -176,23 +217,10 @@ LuSVNURL::URLPath LuSVNURL::URLWithScheme(const std::optional<std::string>& sche
     if (!scheme)
         return nullptr;
     std::string text = *scheme + "://";
-    if (user) {
-        for (const char c : *user) {
-            switch (c) {
-            case '%': text += "%25"; break;
-            case '@': text += "%40"; break;
-            case ':': text += "%3a"; break;
-            case '/': text += "%2f"; break;
-            case '\\': text += "%5c"; break;
-            case ' ': text += "%20"; break;
-            default: text += c;
-            }
-        }
-        text += '@';
-    }
+    if (user)
+        text += authorityEscaped(*user) + '@';
     if (host) {
-        for (const char c : *host)
-            text += c == '%' ? std::string("%25") : std::string(1, c);
+        text += host->starts_with('[') ? *host : authorityEscaped(*host);  // an IP literal as it is
         if (port)
             text += ":" + std::to_string(*port);
     }
@@ -358,6 +386,8 @@ LuSVNPath::Path LuSVNURL::stripUser() const
 
 LuSVNPath::Path LuSVNURL::canonicalize() const
 {
+    // Every form rebuilds the path escaped one way: Subversion reads "a#b"
+    // and "a%23b" as the same name.
     if (isFileURL()) {
         static const std::string_view localhost = "file://localhost/";
         const std::string lower = lowercased(url_);
@@ -366,13 +396,14 @@ LuSVNPath::Path LuSVNURL::canonicalize() const
         for (std::size_t at; (at = lower.find(localhost, from)) != std::string::npos; from = at + localhost.size())
             text += url_.substr(from, at - from) + "file:///";
         text += url_.substr(from);
-        return URLWithString(text);
+        const URLPath local = URLWithString(text);
+        return URLWithScheme(local->scheme(), local->user_, local->host_, local->port_, local->relativePath());
     }
     if (schemeUsesTunnel())
-        return stripUser();
+        return URLWithScheme(scheme(), std::nullopt, host_, port_, relativePath());
     const int port = port_ ? *port_ : defaultPortForScheme(scheme());
     if (port == 0)
-        return self();
+        return URLWithScheme(scheme(), user_, host_, port_, relativePath());
     return URLWithScheme(scheme(), std::nullopt, host_, port, relativePath());
 }
 

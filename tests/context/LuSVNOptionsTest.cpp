@@ -274,7 +274,7 @@ std::map<std::string, std::string> fileSystemConfiguration(const LuSVNRepository
 {
     LuSVNBackendFrame frame(LuSVNBundleLoader::sharedInstance()->defaultBundle());
     apr_hash_t* hash = LuSVNEntry<13>()(frame.pool());
-    options.addLuSVNOptionsTo(hash);
+    options.addLuSVNOptionsTo(hash, frame.pool());
     std::map<std::string, std::string> entries;
     for (apr_hash_index_t* index = LuSVNEntry<14>()(frame.pool(), hash); index; index = LuSVNEntry<15>()(index)) {
         const void* key = nullptr;
@@ -289,17 +289,26 @@ std::map<std::string, std::string> fileSystemConfiguration(const LuSVNRepository
 
 using Entries = std::map<std::string, std::string>;
 
-TEST(LuSVNOptions, CompatibilitySetsAtMostOneKey)
+TEST(LuSVNOptions, CompatibilitySetsTheKeysSvnadminSets)
 {
     const std::vector<std::pair<LuSVNVersion, Entries>> rows = {
-        {LuSVNVersion::version(1, 0), {{"pre-1.4-compatible", "1"}}},
-        {LuSVNVersion::version(1, 3, 9), {{"pre-1.4-compatible", "1"}}},
-        {LuSVNVersion::version(1, 4), {{"pre-1.5-compatible", "1"}}},
-        {LuSVNVersion::version(1, 4, 6), {{"pre-1.5-compatible", "1"}}},
-        {LuSVNVersion::version(1, 5), {{"pre-1.6-compatible", "1"}}},
-        {LuSVNVersion::version(1, 5, 2), {{"pre-1.6-compatible", "1"}}},
-        {LuSVNVersion::version(1, 6), {}},
-        {LuSVNVersion::version(1, 14, 2), {}},
+        {LuSVNVersion::version(1, 0),
+         {{"pre-1.4-compatible", "1"},
+          {"pre-1.5-compatible", "1"},
+          {"pre-1.6-compatible", "1"},
+          {"pre-1.8-compatible", "1"},
+          {"compatible-version", "1.0"}}},
+        {LuSVNVersion::version(1, 4, 6),
+         {{"pre-1.5-compatible", "1"},
+          {"pre-1.6-compatible", "1"},
+          {"pre-1.8-compatible", "1"},
+          {"compatible-version", "1.4"}}},
+        {LuSVNVersion::version(1, 5, 2),
+         {{"pre-1.6-compatible", "1"}, {"pre-1.8-compatible", "1"}, {"compatible-version", "1.5"}}},
+        {LuSVNVersion::version(1, 6), {{"pre-1.8-compatible", "1"}, {"compatible-version", "1.6"}}},
+        {LuSVNVersion::version(1, 7, 0, "dev"), {{"pre-1.8-compatible", "1"}, {"compatible-version", "1.7"}}},
+        {LuSVNVersion::version(1, 8), {{"compatible-version", "1.8"}}},
+        {LuSVNVersion::version(1, 14, 2), {{"compatible-version", "1.14"}}},
     };
     for (const auto& [version, expected] : rows) {
         LuSVNRepositoryOptions repository;
@@ -314,23 +323,29 @@ TEST(LuSVNOptions, CompatibilitySetsAtMostOneKey)
 TEST(LuSVNOptions, BerkeleyDBEntriesFollowTheCompatibilityEntry)
 {
     EXPECT_EQ(fileSystemConfiguration(LuSVNBerkeleyDBOptions()),
-              (Entries{{"bdb-txn-nosync", "0"}, {"bdb-log-autoremove", "1"}}));
+              (Entries{{"pre-1.8-compatible", "1"},
+                       {"compatible-version", "1.6"},
+                       {"bdb-txn-nosync", "0"},
+                       {"bdb-log-autoremove", "1"}}));
 
     LuSVNBerkeleyDBOptions options;
     options.setSyncAtTransactionCommit(false);
     options.setAutomaticLogFileRemoval(false);
-    options.setCompatibility(LuSVNVersion::version(1, 3));
+    options.setCompatibility(LuSVNVersion::version(1, 8));
     EXPECT_EQ(fileSystemConfiguration(options),
-              (Entries{{"pre-1.4-compatible", "1"}, {"bdb-txn-nosync", "1"}, {"bdb-log-autoremove", "0"}}));
+              (Entries{{"compatible-version", "1.8"}, {"bdb-txn-nosync", "1"}, {"bdb-log-autoremove", "0"}}));
 }
 
 TEST(LuSVNOptions, AddingToANullTableIsRefused)
 {
     LuSVNBackendFrame frame(LuSVNBundleLoader::sharedInstance()->defaultBundle());
-    tessera_test::expectParameterAssertion([] { LuSVNRepositoryOptions().addLuSVNOptionsTo(nullptr); },
-                                           "hash != NULL");
-    tessera_test::expectParameterAssertion([] { LuSVNBerkeleyDBOptions().addLuSVNOptionsTo(nullptr); },
-                                           "hash != NULL");
+    tessera_test::expectParameterAssertion(
+        [&] { LuSVNRepositoryOptions().addLuSVNOptionsTo(nullptr, frame.pool()); }, "hash != NULL");
+    tessera_test::expectParameterAssertion(
+        [&] { LuSVNBerkeleyDBOptions().addLuSVNOptionsTo(nullptr, frame.pool()); }, "hash != NULL");
+    apr_hash_t* hash = LuSVNEntry<13>()(frame.pool());
+    tessera_test::expectParameterAssertion([&] { LuSVNRepositoryOptions().addLuSVNOptionsTo(hash, nullptr); },
+                                           "pool != NULL");
 }
 
 TEST(LuSVNDiffOptions, ConvertsIntoSubversionsFileDiffOptions)

@@ -37,6 +37,9 @@ out="$(cd "$work" && "$tessera" mkrepo old --compatible-version 1.5)"
 "$svnadmin" verify -q "$work/old" || fail "mkrepo --compatible-version: verify"
 "$svnadmin" create --compatible-version 1.5 "$work/old-by-svnadmin"
 cmp -s "$work/old/db/format" "$work/old-by-svnadmin/db/format" || fail "mkrepo: not the format svnadmin makes for 1.5"
+# The URL is escaped as svn escapes it, "#" and "?" included.
+out="$("$tessera" mkrepo "$work/h#sh ?")"
+[ "$out" = "$("$svn" --config-dir "$work/config" info --show-item url "$out@")" ] || fail "mkrepo printed $out"
 
 # An existing non-empty directory is refused (exit 1) and left as it was.
 status=0

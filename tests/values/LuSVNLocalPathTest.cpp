@@ -121,7 +121,8 @@ TEST(LuSVNLocalPathTest, URLsAreEscapedFileURLsAndComeBack)
     } cases[] = {
         {"/", "file:///"},
         {"/tmp/a b/\xC3\xBC", "file:///tmp/a%20b/%C3%BC"},
-        {"/tmp/[x]%y#z", "file:///tmp/%5Bx%5D%25y#z"},
+        {"/tmp/[x]%y#z", "file:///tmp/%5Bx%5D%25y%23z"},
+        {"/srv/q?;a=b", "file:///srv/q%3F%3Ba=b"},
     };
     for (const auto& c : cases) {
         const auto path = local(c.path);

@@ -98,6 +98,11 @@ TEST(LuSVNRelativeURLsTest, RenderingInEachNotation)
     };
     for (const auto& c : cases)
         EXPECT_EQ(receiver->stringOfType(c.type, u(c.base)), c.text) << c.type << " " << c.base;
+    // Escaped delimiters in the path survive the user's removal.
+    const auto escaped = u("svn://me@host/repo/h%23sh.txt");
+    EXPECT_EQ(escaped->stringRelativeToRepository(u("svn://host/repo")), "^/h%23sh.txt");
+    EXPECT_EQ(escaped->stringRelativeToDirectory(u("svn://host/repo")), "./h%23sh.txt");
+    EXPECT_EQ(u("svn://me@host/repo/a%3Fb/c")->stringRelativeToRepository(u("svn://host/repo/a%3Fb")), "^/c");
     EXPECT_EQ(reasonOf<LuSVNInvalidArgumentException>(
                   [&] { receiver->stringOfType(static_cast<LuSVNURLType>(5), u("svn://h/r")); }),
               "Unexpected URL type");

@@ -42,7 +42,7 @@ TEST(LuSVNURLTest, MalformedTextsAreRefused)
         EXPECT_EQ(reasonOf<LuSVNInvalidArgumentException>([&] { url(text); }), "URL does not contain a scheme") << text;
     const std::string malformed[] = {
         "svn://host/a b", "svn://h/%zz", "svn://h/a%", "svn://h:65536/x", "svn://h/\xC3\xBC", "svn://h/a{b}",
-        "svn://h/[x]",    "\xFF://h/x",  std::string("a\0b://h", 7),
+        "svn://h/[x]",    "\xFF://h/x",  std::string("a\0b://h", 7), "svn://h?x/r", "svn://h#x", "svn://u#@h/r",
     };
     for (const auto& text : malformed) {
         const std::string reason = "Failed to parse \"" + text + "\". URL is probably malformed.";
@@ -86,7 +86,9 @@ TEST(LuSVNURLTest, Parts)
         {"file:///", std::nullopt, "", std::nullopt, "/", "/", "/", std::nullopt},
         {"file:///x", std::nullopt, "", std::nullopt, "/x", "/x", "x", "file:///"},
         {"svn://[::1]:80/r", std::nullopt, "[::1]", 80, "/r", "/r", "r", "svn://[::1]:80"},
-        {"svn://a%40b@h/r?q#f", "a@b", "h", std::nullopt, "/r", "/r", "r?q#f", "svn://a%40b@h"},
+        {"svn://a%40b@h/r?q#f", "a@b", "h", std::nullopt, "/r%3Fq%23f", "/r?q#f", "r?q#f", "svn://a%40b@h"},
+        {"svn://h/a#b/c?d", std::nullopt, "h", std::nullopt, "/a%23b/c%3Fd", "/a#b/c?d", "c?d", "svn://h/a#b"},
+        {"svn://h/%23/%3f", std::nullopt, "h", std::nullopt, "/%23/%3F", "/#/?", "%3f", "svn://h/%23"},
         {"svn://h/%7e%41", std::nullopt, "h", std::nullopt, "/~A", "/~A", "%7e%41", "svn://h"},
     };
     for (const auto& c : cases) {
@@ -175,12 +177,22 @@ TEST(LuSVNURLTest, BuildingFromParts)
         {"svn", "%/\\ x", "h", std::nullopt, std::nullopt, "svn://%25%2f%5c%20x@h"},
         {"svn", std::nullopt, "h", 99, "r", "svn://h:99/r"},
         {"svn", std::nullopt, "h%", std::nullopt, "/r", "svn://h%25/r"},
+        {"svn", std::nullopt, "h/x@y?z# ", 1, "/r", "svn://h%2fx%40y%3fz%23%20:1/r"},
+        {"svn", "\xC3\xBC;", "[::1]", 1, "/r", "svn://%c3%bc;@[::1]:1/r"},
         {"svn", std::nullopt, std::nullopt, 99, "/r", "svn:///r"},
         {"svn", std::nullopt, "h", std::nullopt, "", "svn://h"},
         {std::nullopt, "u", "h", 1, "/r", std::nullopt},
     };
     for (const auto& c : cases)
         EXPECT_EQ(text(LuSVNURL::URLWithScheme(c.scheme, c.user, c.host, c.port, c.path)), c.url);
+    // A decoded host is escaped again wherever it would end early.
+    for (const char* text : {"svn://h%2Fx%40y/r", "svn://u%C3%BC@h%20"}) {
+        const auto odd = LuSVNURL::URLWithString(text);
+        const auto rebuilt = odd->URLWithPort(1);
+        EXPECT_EQ(rebuilt->user(), odd->user()) << text;
+        EXPECT_EQ(rebuilt->host(), odd->host()) << text;
+        EXPECT_EQ(rebuilt->relativePath(), odd->relativePath()) << text;
+    }
     EXPECT_EQ(LuSVNURL::URLWithString("svn://u@h:1/r")->hostAndScheme(), "svn://u@h:1");
     EXPECT_EQ(LuSVNURL::URLWithString("file:///x")->hostAndScheme(), "file://");
     const auto u = LuSVNURL::URLWithString("svn://u@h/r");
@@ -284,16 +296,16 @@ TEST(LuSVNURLTest, EscapingRoundTrips)
         const std::string escaped = tessera_private::LuSVNAddPercentEscapes(bytes);
         ASSERT_EQ(tessera_private::LuSVNReplacePercentEscapes(escaped), bytes) << escaped;
         ASSERT_EQ(escaped.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
-                                            "-_.!~*'();/?:@&=+$,#%"),
+                                            "-_.~!$&'()*+,=:@/%"),
                   std::string::npos);
     }
     // A URL made from display text shows that text again and reconstructs
-    // from its string into an equal URL. ("#" may appear once only.)
+    // from its string into an equal URL.
     std::vector<std::string> units{"\xC3\xBC", "\xE6\x97\xA5", "\xF0\x9F\x8E\x89", "%41", "%"};
-    for (const char c : std::string_view("ab/ ?:@&=+$,;[]{}|\\^`\"<>~*'()!\t."))
+    for (const char c : std::string_view("ab/ ?#:@&=+$,;[]{}|\\^`\"<>~*'()!\t."))
         units.emplace_back(1, c);
     for (int i = 0; i < 2000; ++i) {
-        const std::string display = "svn://h/" + random.next(units, 16) + "#f";
+        const std::string display = "svn://h/" + random.next(units, 16) + "f";
         const auto u = LuSVNURL::URLEncodeString(display);
         ASSERT_EQ(u->denormalizedString(), display);
         ASSERT_TRUE(LuSVNURL::URLWithString(u->string())->isEqualToPath(u)) << u->string();
