@@ -42,28 +42,45 @@ struct ConflictInfoBaton {
     std::exception_ptr pending;
 };
 
+const char* copyString(const char* text, apr_pool_t* pool)
+{
+    return text ? LuSVNEntry<4>()(pool, text) : nullptr;
+}
+
+svn_wc_conflict_version_t* copyConflictVersion(const svn_wc_conflict_version_t* version, apr_pool_t* pool)
+{
+    if (!version)
+        return nullptr;
+    auto* copy = LuSVNPoolAllocateZeroed<svn_wc_conflict_version_t>(pool);
+    *copy = *version;
+    copy->repos_url = copyString(version->repos_url, pool);
+    copy->path_in_repos = copyString(version->path_in_repos, pool);
+    copy->repos_uuid = copyString(version->repos_uuid, pool);
+    return copy;
+}
+
 // The older form of a tree conflict's description, which the status record
-// of the older interface carries.
+// of the older interface carries, copied into the pool: the info receiver's
+// memory is gone once it returns.
 svn_wc_conflict_description_t* olderConflictDescription(const svn_wc_conflict_description2_t& conflict,
                                                        apr_pool_t* pool)
 {
     auto* older = LuSVNPoolAllocateZeroed<svn_wc_conflict_description_t>(pool);
-    older->path = conflict.local_abspath;
+    older->path = copyString(conflict.local_abspath, pool);
     older->node_kind = conflict.node_kind;
     older->kind = conflict.kind;
-    older->property_name = conflict.property_name;
+    older->property_name = copyString(conflict.property_name, pool);
     older->is_binary = conflict.is_binary;
-    older->mime_type = conflict.mime_type;
+    older->mime_type = copyString(conflict.mime_type, pool);
     older->action = conflict.action;
     older->reason = conflict.reason;
-    older->base_file = conflict.base_abspath;
-    older->their_file = conflict.their_abspath;
-    older->my_file = conflict.my_abspath;
-    older->merged_file = conflict.merged_file;
+    older->base_file = copyString(conflict.base_abspath, pool);
+    older->their_file = copyString(conflict.their_abspath, pool);
+    older->my_file = copyString(conflict.my_abspath, pool);
+    older->merged_file = copyString(conflict.merged_file, pool);
     older->operation = conflict.operation;
-    // The older form is read only; the versions are shared, not copied.
-    older->src_left_version = const_cast<svn_wc_conflict_version_t*>(conflict.src_left_version);
-    older->src_right_version = const_cast<svn_wc_conflict_version_t*>(conflict.src_right_version);
+    older->src_left_version = copyConflictVersion(conflict.src_left_version, pool);
+    older->src_right_version = copyConflictVersion(conflict.src_right_version, pool);
     return older;
 }
 
@@ -95,17 +112,27 @@ svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_c
     });
 }
 
-// The entry that the older interface reports for one item.
+// What the older interface reports for one item, copied while its record lives.
 struct OlderEntryBaton {
     const char* path;
-    const svn_wc_entry_t* entry;
+    apr_pool_t* pool;  // for the author
+    bool found;
+    svn_revnum_t revision;
+    svn_revnum_t changedRevision;
+    apr_time_t changedDate;
+    const char* changedAuthor;
 };
 
 void LuSVNOlderEntryStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
 {
     auto* entryBaton = static_cast<OlderEntryBaton*>(baton);
-    if (status->entry && std::strcmp(path, entryBaton->path) == 0)
-        entryBaton->entry = status->entry;
+    if (entryBaton->found || !status->entry || std::strcmp(path, entryBaton->path) != 0)
+        return;
+    entryBaton->found = true;
+    entryBaton->revision = status->entry->revision;
+    entryBaton->changedRevision = status->entry->cmt_rev;
+    entryBaton->changedDate = status->entry->cmt_date;
+    entryBaton->changedAuthor = copyString(status->entry->cmt_author, entryBaton->pool);
 }
 
 struct TreeConflictBaton {
@@ -233,16 +260,18 @@ svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path
             svn_opt_revision_t unspecified{};
             unspecified.kind = svn_opt_revision_unspecified;
             const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
-            OlderEntryBaton baton{abspath, nullptr};
+            OlderEntryBaton baton{abspath, pool, false, SVN_INVALID_REVNUM, SVN_INVALID_REVNUM, 0, nullptr};
             if (svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNOlderEntryStatusFunc,
                                                       &baton, false, true, false, false, true, ctx, pool))
                 return error;
-            if (const svn_wc_entry_t* older = baton.entry) {
-                entry->revision = older->revision;
+            if (baton.found) {
+                // A copy has no working revision, as svn shows it.
+                if (!clientStatus->copied)
+                    entry->revision = baton.revision;
                 if (clientStatus->node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry->cmt_rev)) {
-                    entry->cmt_rev = older->cmt_rev;
-                    entry->cmt_date = older->cmt_date;
-                    entry->cmt_author = older->cmt_author;
+                    entry->cmt_rev = baton.changedRevision;
+                    entry->cmt_date = baton.changedDate;
+                    entry->cmt_author = baton.changedAuthor;
                 }
             }
         }

@@ -398,3 +398,48 @@ TEST_F(StatusWalk, ContextInAStaticSurvivesTheExitAfterAWalk)
         },
         testing::ExitedWithCode(0), "");
 }
+
+namespace {
+
+class DeletedTrees : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { fixture = new DeletionFixture(); }
+    static void TearDownTestSuite()
+    {
+        delete fixture;
+        fixture = nullptr;
+    }
+    static std::shared_ptr<LuSVNContext> context()
+    {
+        return LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle(), {},
+                                               fixture->configDirectory());
+    }
+
+    static DeletionFixture* fixture;
+};
+
+DeletionFixture* DeletedTrees::fixture = nullptr;
+
+// Deleted items show the working revision and last change of what they
+// delete, replaced ones the revision they replace (none for a copy) and their
+// own last change, as svn status -v does; for trees of every size, from the
+// working copy's root and from each tree's own root.
+TEST_F(DeletedTrees, WorkingRevisionAndLastChangeAgreeWithSvn)
+{
+    LuSVNStatusOptions options;
+    options.setIncludeNormalFiles(true);
+    const unsigned fields = KindsField | FlagsField | WorkingRevisionField | LastChangeField;
+    for (const char* name : {"", "d1", "d3", "d100", "d1000", "nested", "nested/a", "rep", "rh"}) {
+        SCOPED_TRACE(name);
+        const std::string path = name[0] ? fixture->item(name) : fixture->workingCopy();
+        const auto expected = expectedItems(clientStatusReport(path, {"-v"}));
+        expectAgreement(walk(path, options, context()), expected, fields, true);
+    }
+    // The changed items alone, as svn status without -v, keep their values.
+    const auto changed = expectedItems(clientStatusReport(fixture->workingCopy(), {}));
+    const Walk result = walk(fixture->workingCopy(), LuSVNStatusOptions(), context());
+    expectAgreement(result, changed, KindsField | WorkingRevisionField, true);
+    EXPECT_EQ(result.localChanges, expectedLocalChanges(changed, {}));
+}
+
+}  // namespace
