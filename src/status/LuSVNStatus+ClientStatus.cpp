@@ -1,4 +1,3 @@
-#include <cstring>
 #include <exception>
 #include <initializer_list>
 #include <string>
@@ -112,27 +111,26 @@ svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_c
     });
 }
 
-// What the older interface reports for one item, copied while its record lives.
-struct OlderEntryBaton {
-    const char* path;
-    apr_pool_t* pool;  // for the author
-    bool found;
-    svn_revnum_t revision;
-    svn_revnum_t changedRevision;
-    apr_time_t changedDate;
-    const char* changedAuthor;
+// Keeps what the older interface says of each item of a deleted or replaced
+// tree, copied while its record lives.
+struct OlderValuesBaton {
+    LuSVNReplacedItems* items;
+    std::exception_ptr pending;
 };
 
 void LuSVNOlderEntryStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
 {
-    auto* entryBaton = static_cast<OlderEntryBaton*>(baton);
-    if (entryBaton->found || !status->entry || std::strcmp(path, entryBaton->path) != 0)
+    auto* older = static_cast<OlderValuesBaton*>(baton);
+    const svn_wc_entry_t* entry = status->entry;
+    if (older->pending || !entry)
         return;
-    entryBaton->found = true;
-    entryBaton->revision = status->entry->revision;
-    entryBaton->changedRevision = status->entry->cmt_rev;
-    entryBaton->changedDate = status->entry->cmt_date;
-    entryBaton->changedAuthor = copyString(status->entry->cmt_author, entryBaton->pool);
+    try {
+        older->items->byPath.insert_or_assign(
+            path, LuSVNReplacedItems::Values{entry->revision, entry->cmt_rev, entry->cmt_date,
+                                             tessera_private::LuSVNOptionalString(entry->cmt_author)});
+    } catch (...) {
+        older->pending = std::current_exception();
+    }
 }
 
 struct TreeConflictBaton {
@@ -220,6 +218,39 @@ svn_wc_entry_t* entryForClientStatus(const svn_client_status_t* status, apr_pool
     return entry;
 }
 
+// A deleted or replaced item has no working revision here, and a deleted one
+// no last change; the older interface still reads those of the item it
+// deletes or replaces, as svn shows them (a copy shows no working revision).
+// The first item of a deleted or replaced tree reads the whole tree at once.
+svn_error_t* addReplacedValues(svn_wc_entry_t& entry, const svn_client_status_t& clientStatus, const char* abspath,
+                               svn_client_ctx_t* ctx, LuSVNReplacedItems& replaced, apr_pool_t* pool)
+{
+    auto found = replaced.byPath.find(abspath);
+    if (found == replaced.byPath.end()) {
+        svn_opt_revision_t unspecified{};
+        unspecified.kind = svn_opt_revision_unspecified;
+        OlderValuesBaton baton{&replaced, nullptr};
+        ++replaced.olderCalls;
+        svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNOlderEntryStatusFunc, &baton,
+                                              replaced.recursive, true, false, false, true, ctx, pool);
+        if (svn_error_t* failure = rethrowPendingOrReturn(baton.pending, error))
+            return failure;
+        found = replaced.byPath.find(abspath);
+        if (found == replaced.byPath.end())
+            return nullptr;
+    }
+    const LuSVNReplacedItems::Values values = std::move(found->second);
+    replaced.byPath.erase(found);
+    if (!clientStatus.copied)
+        entry.revision = values.revision;
+    if (clientStatus.node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry.cmt_rev)) {
+        entry.cmt_rev = values.changedRevision;
+        entry.cmt_date = values.changedDate;
+        entry.cmt_author = tessera_private::LuSVNPoolCopyString(values.changedAuthor, pool);
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus, svn_wc_status2_t* wcStatus)
@@ -246,35 +277,18 @@ void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus, svn
 
 svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path,
                                          const svn_client_status_t* clientStatus, apr_pool_t* pool,
-                                         const LuSVNWCStatusHandler& handler)
+                                         LuSVNReplacedItems& replaced, const LuSVNWCStatusHandler& handler)
 {
     auto* wcStatus = LuSVNPoolAllocateZeroed<svn_wc_status2_t>(pool);
     svn_wc_entry_t* entry = nullptr;
     if (clientStatus->repos_root_url && clientStatus->repos_relpath) {
         entry = entryForClientStatus(clientStatus, pool);
-        // A deleted or replaced item has no revision of its own here, and a
-        // deleted one no last change; the older interface still reads those
-        // of the item it replaces, as svn shows them.
         if (!SVN_IS_VALID_REVNUM(entry->revision) &&
-            isOneOf(clientStatus->node_status, {svn_wc_status_deleted, svn_wc_status_replaced})) {
-            svn_opt_revision_t unspecified{};
-            unspecified.kind = svn_opt_revision_unspecified;
-            const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
-            OlderEntryBaton baton{abspath, pool, false, SVN_INVALID_REVNUM, SVN_INVALID_REVNUM, 0, nullptr};
-            if (svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNOlderEntryStatusFunc,
-                                                      &baton, false, true, false, false, true, ctx, pool))
+            isOneOf(clientStatus->node_status, {svn_wc_status_deleted, svn_wc_status_replaced}))
+            if (svn_error_t* error = addReplacedValues(*entry, *clientStatus,
+                                                       clientStatus->local_abspath ? clientStatus->local_abspath : path,
+                                                       ctx, replaced, pool))
                 return error;
-            if (baton.found) {
-                // A copy has no working revision, as svn shows it.
-                if (!clientStatus->copied)
-                    entry->revision = baton.revision;
-                if (clientStatus->node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry->cmt_rev)) {
-                    entry->cmt_rev = baton.changedRevision;
-                    entry->cmt_date = baton.changedDate;
-                    entry->cmt_author = baton.changedAuthor;
-                }
-            }
-        }
         // Text and property conflicts name their files, tree conflicts
         // describe themselves, only in the item's info.
         if (clientStatus->conflicted) {

@@ -142,6 +142,7 @@ struct ClientStatusForward {
     void* baton;
     svn_client_ctx_t* ctx;
     std::exception_ptr* pending;
+    LuSVNReplacedItems replaced;
 };
 
 svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_client_status_t* status,
@@ -153,7 +154,7 @@ svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_clie
         LUSVN_PARAMETER_ASSERT(status != nullptr, "stat != NULL");
         LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
         if (svn_error_t* error = LuSVNClientStatusToWCStatus(
-                forward->ctx, path, status, pool,
+                forward->ctx, path, status, pool, forward->replaced,
                 [forward](const char* itemPath, svn_wc_status2_t* record) {
                     forward->func(forward->baton, itemPath, record);
                 }))
@@ -291,7 +292,8 @@ void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, 
     if (context.bundleVersion()->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())) {
         const svn_depth_t depth =
             call.itemOnly ? svn_depth_empty : call.recursive ? svn_depth_infinity : svn_depth_immediates;
-        ClientStatusForward forward{func, baton, context.ctx(), &pending};
+        ClientStatusForward forward{func, baton, context.ctx(), &pending, {}};
+        forward.replaced.recursive = depth == svn_depth_infinity;
         // Depth not sticky, as the svn client asks: compared against the
         // repository, a sparse directory does not report what it never fetched.
         error = LuSVNEntry<70>()(nullptr, context.ctx(), target, &revision, depth, call.getAll, call.update,

@@ -442,4 +442,18 @@ TEST_F(DeletedTrees, WorkingRevisionAndLastChangeAgreeWithSvn)
     EXPECT_EQ(result.localChanges, expectedLocalChanges(changed, {}));
 }
 
+// One older-interface call per deleted or replaced tree, whatever its size.
+TEST_F(DeletedTrees, OneExtraCallPerDeletedTree)
+{
+    for (const auto& [name, calls] : std::vector<std::pair<std::string, std::size_t>>{
+             {"d1", 1}, {"d3", 1}, {"d100", 1}, {"d1000", 1}, {"nested", 2}, {"", 8}}) {
+        SCOPED_TRACE(name);
+        std::size_t olderCalls = 0;
+        const auto nodes =
+            libraryStatus(name.empty() ? fixture->workingCopy() : fixture->item(name), context(), &olderCalls);
+        EXPECT_GT(nodes.size(), calls);
+        EXPECT_EQ(olderCalls, calls);
+    }
+}
+
 }  // namespace

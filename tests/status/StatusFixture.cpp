@@ -242,6 +242,7 @@ struct Collector {
     const std::shared_ptr<LuSVNContext>* context;
     std::map<std::string, std::shared_ptr<LuSVNNode>>* nodes;
     std::exception_ptr pending;
+    LuSVNReplacedItems replaced;
 
     void add(const char* path, const svn_wc_status2_t* record)
     {
@@ -253,7 +254,7 @@ svn_error_t* collectClientStatus(void* baton, const char* path, const svn_client
 {
     auto* collector = static_cast<Collector*>(baton);
     return LuSVNGuardCallback(collector->pending, [&] {
-        return LuSVNClientStatusToWCStatus((*collector->context)->ctx(), path, status, pool,
+        return LuSVNClientStatusToWCStatus((*collector->context)->ctx(), path, status, pool, collector->replaced,
                                            [&](const char* itemPath, svn_wc_status2_t* record) {
                                                collector->add(itemPath, record);
                                            });
@@ -282,10 +283,11 @@ void collectStatus2(void* baton, const char* path, svn_wc_status2_t* status)
 }  // namespace
 
 std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::string& path,
-                                                                const std::shared_ptr<LuSVNContext>& context)
+                                                                const std::shared_ptr<LuSVNContext>& context,
+                                                                std::size_t* olderCalls)
 {
     std::map<std::string, std::shared_ptr<LuSVNNode>> nodes;
-    Collector collector{&context, &nodes, nullptr};
+    Collector collector{&context, &nodes, nullptr, {}};
     const LuSVNVersion version = *context->bundleVersion();
     LuSVNBackendFrame frame(context->bundle());
     const char* target = LuSVNLocalPath::pathWithString(path)->SVNRepresentationInPool(frame.pool());
@@ -303,6 +305,8 @@ std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::strin
     if (collector.pending)
         LuSVNRethrowPending(collector.pending, error);
     context->throwIfError(error);
+    if (olderCalls)
+        *olderCalls = collector.replaced.olderCalls;
     return nodes;
 }
 

@@ -131,8 +131,11 @@ LuSVNStatusKind kindNamed(const std::string& name);
 /// of the backend's status function: svn_client_status5 (70) through
 /// LuSVNClientStatusToWCStatus for 1.7 and later, svn_client_status4 (69) for
 /// 1.6, svn_client_status2 (68) before. By absolute path.
+/// `olderCalls`, when given, receives the number of svn_client_status2 calls
+/// that the deleted and replaced items cost on 1.7 and later.
 std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::string& path,
-                                                                const std::shared_ptr<LuSVNContext>& context);
+                                                                const std::shared_ptr<LuSVNContext>& context,
+                                                                std::size_t* olderCalls = nullptr);
 
 // --- The status walk against svn's report ---------------------------------------
 
