@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 
 #include "StatusFixture.h"
@@ -453,6 +454,81 @@ TEST_F(DeletedTrees, OneExtraCallPerDeletedTree)
             libraryStatus(name.empty() ? fixture->workingCopy() : fixture->item(name), context(), &olderCalls);
         EXPECT_GT(nodes.size(), calls);
         EXPECT_EQ(olderCalls, calls);
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// Sets the format that a working copy's wc.db declares (SQLite keeps the user
+// version big-endian at offset 60 of the file).
+void setDatabaseFormat(const std::string& workingCopy, std::uint32_t format)
+{
+    std::fstream database(workingCopy + "/.svn/wc.db", std::ios::in | std::ios::out | std::ios::binary);
+    database.seekp(60);
+    const char bytes[] = {static_cast<char>(format >> 24), static_cast<char>(format >> 16),
+                          static_cast<char>(format >> 8), static_cast<char>(format)};
+    database.write(bytes, 4);
+    ASSERT_TRUE(database.good());
+}
+
+// Working copies that Subversion cannot read: their own errors arrive as
+// exceptions, an internal assertion of Subversion included, and nothing
+// aborts or crashes the process.
+TEST(UnreadableWorkingCopies, RaiseSubversionsErrors)
+{
+    tessera_test::TemporaryDirectory directory;
+    const std::string original = directory / "wc";
+    tessera_test::checkout(tessera_test::makeRepository(directory / "repo"), original);
+    struct Case {
+        const char* name;
+        std::function<void(const std::string&)> damage;
+        int status;  // of the exception; 0 for "not a working copy"
+        const char* reasonPart;
+    };
+    const Case cases[] = {
+        {"database of format 0", [](const std::string& wc) { setDatabaseFormat(wc, 0); }, 235000, "format >= 1"},
+        {"too old", [](const std::string& wc) { setDatabaseFormat(wc, 10); }, 155036, "upgrade"},
+        {"too new", [](const std::string& wc) { setDatabaseFormat(wc, 99); }, 155021, "too old"},
+        {"format file without database",
+         [](const std::string& wc) {
+             std::filesystem::remove_all(wc + "/.svn");
+             std::filesystem::create_directory(wc + "/.svn");
+             tessera_test::writeFile(wc + "/.svn/entries", "31\n");
+         },
+         0, "is not a working copy"},
+    };
+    const auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle());
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string wc = directory / c.name;
+        std::filesystem::copy(original, wc, std::filesystem::copy_options::recursive);
+        c.damage(wc);
+        const auto expectRaised = [&](const std::function<void()>& call) {
+            try {
+                call();
+                ADD_FAILURE() << "nothing raised";
+            } catch (const LuSVNException& e) {
+                EXPECT_EQ(e.status(), c.status ? c.status : 20014) << e.reason();
+                EXPECT_NE(e.reason().find(c.reasonPart), std::string::npos) << e.reason();
+                if (c.status == 155021 || c.status == 0) {
+                    EXPECT_EQ(e.name(), c.status ? "LuSVNUnsupportedWorkingCopyFormatException"
+                                                 : "LuSVNNotWorkingCopyException");
+                }
+            }
+        };
+        if (c.status == 235000)
+            expectRaised([&] { LuSVNNode::formatVersionForWorkingCopyAtPath(wc); });
+        else
+            EXPECT_EQ(LuSVNNode::formatVersionForWorkingCopyAtPath(wc), 0);
+        expectRaised([&] { LuSVNNode::versionForWorkingCopyAtPath(wc); });
+        // Subversion's walk of the damaged area is the known crash.
+        if (c.status != 0)
+            expectRaised([&] {
+                LuSVNDirectory::statusForNodesInDirectoryAtPath(LuSVNLocalPath::pathWithString(wc),
+                                                                LuSVNStatusOptions(), context);
+            });
     }
 }
 
