@@ -59,9 +59,11 @@ const std::vector<OptionRow>& optionRows()
     return rows;
 }
 
+// With the svn client's choice of depth: not sticky.
 LuSVNStatusOptions optionsOf(const std::function<void(LuSVNStatusOptions&)>& set)
 {
     LuSVNStatusOptions options;
+    options.setDepthIsSticky(false);
     set(options);
     return options;
 }
@@ -97,11 +99,11 @@ protected:
         const std::string path = name.empty() ? fixture->workingCopy() : fixture->item(name);
         return expectedItems(clientStatusReport(path, arguments));
     }
-    // The conflicts' extra files, which no count includes.
+    // The conflicts' extra files, which count only when the walk keeps them.
     static std::set<std::string> conflictFiles()
     {
         return {fixture->item("conflict.txt.mine"), fixture->item("conflict.txt.r3"), fixture->item("conflict.txt.r4"),
-                fixture->item("propconflict.txt.prej")};
+                fixture->item("propconflict.txt.prej"), fixture->item("propdir/dir_conflicts.prej")};
     }
     // The last commit of each item that the repository changed, as svn info
     // of its URL says.
@@ -139,7 +141,7 @@ TEST_F(StatusWalk, NewestBackendAgreesWithSvnForEachOptionSet)
         expectAgreement(result, expected,
                         KindsField | FlagsField | WorkingRevisionField | (row.remote ? RepositoryField : 0),
                         !row.remote, row.remote ? lastCommits(expected) : std::map<std::string, long>{});
-        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, conflictFiles()));
+        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, {}));
         EXPECT_EQ(result.remoteChanges, expectedRemoteChanges(expected));
     }
 }
@@ -195,7 +197,7 @@ TEST_F(StatusWalk, PropagationAggregatesWhatSvnReportsBelowEachDirectory)
         const auto expected = svnReport(row.svnArguments);
         const Walk result = walk(fixture->workingCopy(), options, context);
         expectAgreement(result, expected, KindsField, !row.remote);
-        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, conflictFiles()));
+        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, {}));
         ASSERT_NE(result.root, nullptr);
         EXPECT_EQ(result.root->path()->string(), fixture->workingCopy());
         std::size_t directories = 0;
@@ -221,7 +223,7 @@ TEST_F(StatusWalk, RootOnlyWalksCountTheWholeTree)
 {
     const auto context = contextFor(nullptr);
     const auto everything = svnReport({"-u", "-v"});
-    const std::uint32_t local = expectedLocalChanges(everything, conflictFiles());
+    const std::uint32_t local = expectedLocalChanges(everything, {});
     const std::uint32_t remote = expectedRemoteChanges(everything);
     ASSERT_GT(remote, 0u);
     struct Case {
@@ -231,7 +233,7 @@ TEST_F(StatusWalk, RootOnlyWalksCountTheWholeTree)
     for (const Case& c : {Case{"propagating", true, false, false}, Case{"comparing everything", false, true, true},
                           Case{"both", true, true, true}}) {
         SCOPED_TRACE(c.name);
-        LuSVNStatusOptions options;
+        LuSVNStatusOptions options = optionsOf([](LuSVNStatusOptions&) {});
         options.setRecursive(false);
         options.setPropagateStatusToAncestor(c.propagate);
         options.setCompareAgainstRepository(c.compare);
@@ -271,6 +273,29 @@ TEST_F(StatusWalk, ConflictVersionFilesLeftOut)
         expectAgreement(result, expected, KindsField, true);
         EXPECT_EQ(result.localChanges, count);
     }
+}
+
+// Compared against the repository with the walk's depth as sticky (the
+// default), the depth-empty directory sparse reports what it never fetched,
+// as the older interface always does; with svn's choice, none of it.
+TEST_F(StatusWalk, StickyDepthReportsWhatSparseDirectoriesNeverFetched)
+{
+    const auto belowSparse = [](const Walk& result) {
+        std::map<std::string, std::uint32_t> kinds;
+        for (const auto& node : result.nodes)
+            if (node->path()->string().starts_with(fixture->item("sparse") + "/"))
+                kinds[node->path()->string()] = node->status()->repositoryTextStatus();
+        return kinds;
+    };
+    LuSVNStatusOptions options;
+    options.setCompareAgainstRepository(true);
+    const auto sticky = belowSparse(walk(fixture->workingCopy(), options, contextFor(nullptr)));
+    EXPECT_EQ(sticky, belowSparse(walk(fixture->workingCopy(), options, contextFor(TESSERA_TEST_BUNDLE_1_6_23))));
+    EXPECT_EQ(sticky.size(), 3u);  // a.txt, inner, inner/b.txt
+    for (const auto& [path, kind] : sticky)
+        EXPECT_EQ(kind, LuSVNStatusAdded) << path;
+    options.setDepthIsSticky(false);
+    EXPECT_TRUE(belowSparse(walk(fixture->workingCopy(), options, contextFor(nullptr))).empty());
 }
 
 // The single-item queries agree with svn status --depth empty of the item.

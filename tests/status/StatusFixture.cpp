@@ -51,6 +51,7 @@ StatusFixture::StatusFixture()
                     {"treedel.txt", "tree\n"},        {"locked.txt", "locked\n"},
                     {"outdated.txt", "outdated\n"},
                     {"sub/file.txt", "sub\n"},        {"sparse/a.txt", "a\n"},
+                    {"propdir/inside.txt", "inside\n"},
                     {"sparse/inner/b.txt", "b\n"}});
     makeTree(directory_ / "lib", {{"libfile.txt", "lib\n"}});
     svnOrThrow({"import", "-q", "-m", "import trunk", tree, url_ + "/trunk"});
@@ -65,6 +66,7 @@ StatusFixture::StatusFixture()
     // The conflicting side, committed from the other working copy.
     writeFile(other + "/conflict.txt", "one\ntheirs\nthree\n");
     svnOrThrow({"propset", "-q", "colour", "theirs", other + "/propconflict.txt"});
+    svnOrThrow({"propset", "-q", "colour", "theirs", other + "/propdir"});
     svnOrThrow({"rm", "-q", other + "/treeedit.txt", other + "/treedel.txt"});
     svnOrThrow({"propset", "-q", "svn:externals", "^/lib ext", other});
     svnOrThrow({"commit", "-q", "-m", "their changes", other});
@@ -72,6 +74,7 @@ StatusFixture::StatusFixture()
     svnOrThrow({"switch", "-q", "^/branch/sub", item("sub")});
     writeFile(item("conflict.txt"), "one\nmine\nthree\n");
     svnOrThrow({"propset", "-q", "colour", "mine", item("propconflict.txt")});
+    svnOrThrow({"propset", "-q", "colour", "mine", item("propdir")});
     writeFile(item("treeedit.txt"), "edited\n");
     svnOrThrow({"rm", "-q", item("treedel.txt")});
     svnOrThrow({"update", "-q", "--accept", "postpone", wc});

@@ -25,7 +25,8 @@ namespace tessera_status_test {
 /// by file name: normal.txt, modified.txt, propmod.txt, added.txt,
 /// copied.txt (added with history), deleted.txt, replaced.txt, missing.txt,
 /// obstructed.txt (a directory now), unversioned.txt, ignored.o, locked.txt
-/// (locked here), conflict.txt (text), propconflict.txt (property),
+/// (locked here), conflict.txt (text), propconflict.txt (property), propdir
+/// (property conflict of a directory, dir_conflicts.prej inside it),
 /// treeedit.txt (tree: local edit, incoming delete), treedel.txt (tree: local
 /// delete, incoming delete), sub (switched to the branch), sparse (depth
 /// empty), ext (external of lib). The root has an svn:ignore change. After
