@@ -19,9 +19,9 @@
 #   treedel.txt (tree conflicts)  outdated.txt, dir/outdated-in-dir.txt and a
 #   file added in the repository (out of date)  changelist.txt (in
 #   changelist "review")  sub/ (switched to the branch)  sparse/ (depth
-#   empty)  addeddir/  deleteddir/  ext/ (directory external, with a change)
-#   deep/ext2 (external below a directory it makes)  extfile.txt (file
-#   external)
+#   empty)  addeddir/  deleteddir/ (three files)  ext/ (directory
+#   external, with a change)  deep/ext2 (external below a directory it
+#   makes)  extfile.txt (file external)
 set -eu
 
 if [ $# -ne 3 ]; then
@@ -57,7 +57,7 @@ printf 'one\ntwo\nthree\n' > "$tree/trunk/conflict.txt"
 echo sub > "$tree/trunk/sub/file.txt"
 echo a > "$tree/trunk/sparse/a.txt"
 echo b > "$tree/trunk/sparse/inner/b.txt"
-echo gone > "$tree/trunk/deleteddir/gone.txt"
+for name in gone went left; do echo "$name" > "$tree/trunk/deleteddir/$name.txt"; done
 echo in-dir > "$tree/trunk/dir/outdated-in-dir.txt"
 echo lib > "$tree/lib/libfile.txt"
 svn import --username alice -m "import" "$tree" "$url"

@@ -70,6 +70,10 @@ extern "C" __attribute__((visibility("default"))) LuSVNBundle* LuSVNBundleCreate
         if (apr_initialize() != APR_SUCCESS) {
             return nullptr;
         }
+        // Subversion aborts the process on an internal assertion (a damaged
+        // wc.db, for one) unless told to return it as an error, which then
+        // reaches the application as an exception.
+        svn_error_set_malfunction_handler(svn_error_raise_on_malfunction);
         return new LuSVNSubversionBundle;
     }();
     return principal;

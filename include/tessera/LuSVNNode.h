@@ -329,8 +329,12 @@ public:
 
     /// The working-copy format of the directory as the backend reads it: 0
     /// when it is not a working copy. A format the backend does not support
-    /// is returned, not raised. Raises LuSVNNoSuchEntryException when the path
-    /// does not exist and LuSVNException for other Subversion errors.
+    /// is returned, not raised; so is 0 for a format Subversion does not read
+    /// at all, and for an administrative area of format 1.7 or later without
+    /// its database (Subversion 1.14 crashes on it). Raises
+    /// LuSVNNoSuchEntryException when the path does not exist and
+    /// LuSVNException for other Subversion errors, its internal assertions
+    /// (a damaged wc.db) included.
     static int formatVersionForWorkingCopyAtPath(const std::string& path,
                                                  const std::shared_ptr<LuSVNBundleProxy>& bundle);
 
@@ -341,7 +345,11 @@ public:
     /// The release line of the oldest loaded backend that reads the working
     /// copy's format (major and minor only), or the newest loaded version when
     /// none does. Raises LuSVNNotWorkingCopyException "\"name\" is not a
-    /// working copy" when the path is not one.
+    /// working copy" when the path is not one. A working copy too old or too
+    /// new for every loaded backend raises the exception of Subversion's own
+    /// error (E155036, which says to upgrade; E155021 as
+    /// LuSVNUnsupportedWorkingCopyFormatException), and a damaged one the
+    /// exception of the error Subversion reports for it.
     static LuSVNVersion versionForWorkingCopyAtPath(const std::string& path);
 
     /// The path of the working copy's metadata directory in the directory

@@ -10,6 +10,7 @@
 //   processExternals              flag       true
 //   propagateStatusToAncestor     flag       false   or each item's status into its ancestors
 //   includeConflictVersionFiles   flag       true
+//   depthIsSticky                 flag       true    compare against the repository at the walk's depth
 //
 // Description (on one line): "{ <LuSVNStatusOptions: 0x...> revision: UNSPECIFIED,
 // recursive: 1, includeNormalFiles: 0, compareAgainstRepository: 0,
@@ -40,6 +41,13 @@ public:
     bool processExternals() const { return processExternals_; }
     bool propagateStatusToAncestor() const { return propagateStatusToAncestor_; }
     bool includeConflictVersionFiles() const { return includeConflictVersionFiles_; }
+    /// Whether, compared against the repository, the walk's depth stands for
+    /// the working copy's own (as an update with a sticky depth would take
+    /// it): a sparse directory then reports what lies beyond its depth in the
+    /// repository. Backends 1.7 and later; the older interface always keeps
+    /// the working copy's depths. The svn client passes false. Not part of
+    /// the description.
+    bool depthIsSticky() const { return depthIsSticky_; }
     /// Each keeps only the lowest bit of its argument.
     void setRecursive(int recursive) { recursive_ = recursive & 1; }
     void setIncludeNormalFiles(int include) { includeNormalFiles_ = include & 1; }
@@ -48,6 +56,7 @@ public:
     void setProcessExternals(int processExternals) { processExternals_ = processExternals & 1; }
     void setPropagateStatusToAncestor(int propagate) { propagateStatusToAncestor_ = propagate & 1; }
     void setIncludeConflictVersionFiles(int include) { includeConflictVersionFiles_ = include & 1; }
+    void setDepthIsSticky(int sticky) { depthIsSticky_ = sticky & 1; }
 
     std::string description() const override;
 
@@ -60,4 +69,5 @@ private:
     unsigned processExternals_ : 1 = 1;
     unsigned propagateStatusToAncestor_ : 1 = 0;
     unsigned includeConflictVersionFiles_ : 1 = 1;
+    unsigned depthIsSticky_ : 1 = 1;
 };

@@ -156,9 +156,11 @@ void LuSVNDirectory::removeVersionConflictFilesFromArray(Nodes& nodes, const Nod
     LuSVNPathStrings extraFiles;
     for (const auto& node : conflictedNodes) {
         const LuSVNStatus& status = *node->status();
+        // A directory's property reject file lies inside it.
+        const auto& holder = node->isDirectory() ? node->path() : node->location();
         const auto add = [&](const std::optional<std::string>& name) {
-            if (name && node->location())
-                extraFiles.insert(node->location()->pathByAddingComponent(*name)->string());
+            if (name && holder)
+                extraFiles.insert(holder->pathByAddingComponent(*name)->string());
         };
         if (status.textStatus() == LuSVNStatusConflicted) {
             add(status.conflictOldVersion());

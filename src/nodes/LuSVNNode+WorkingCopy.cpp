@@ -4,6 +4,7 @@
 #include <tessera/LuSVNNode.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
@@ -31,6 +32,57 @@ std::string displayLastComponent(const std::string& path)
     return name.empty() ? normal.string() : name;
 }
 
+// Whether the directory's administrative area names a format of 1.7 or
+// later (in "entries", else "format") but holds no wc.db: Subversion 1.14
+// crashes on such a directory instead of reporting it.
+// Inside the frame of the backend that is about to be asked.
+bool administrativeAreaLacksDatabase(const std::string& path, apr_pool_t* pool)
+{
+    const std::filesystem::path area = std::filesystem::path(path) / LuSVNEntry<100>()(pool);
+    std::error_code error;
+    if (!std::filesystem::is_directory(area, error) || std::filesystem::exists(area / "wc.db", error))
+        return false;
+    for (const char* name : {"entries", "format"}) {
+        std::ifstream file(area / name);
+        if (!file)
+            continue;
+        int format = 0;
+        file >> format;
+        return format > 12;
+    }
+    return false;
+}
+
+svn_error_t* LuSVNIgnoreInfoFunc(void*, const char*, const svn_client_info2_t*, apr_pool_t*)
+{
+    return nullptr;
+}
+
+// Raises Subversion's own error for a directory that has an administrative
+// area but is no working copy that svn_wc_check_wc reads (too old, E155036
+// with the upgrade hint; too new, E155021), through the newest loaded
+// backend when it is 1.7 or later, whose svn_client_info3 (entry point 55)
+// reports those.
+void raiseUnreadableWorkingCopyError(const std::string& path)
+{
+    auto loader = LuSVNBundleLoader::sharedInstance();
+    const auto newest = loader->newestVersion();
+    std::error_code error;
+    if (!newest || !newest->isGreaterThanOrEqualTo(LuSVNVersion::version1_7()))
+        return;
+    LuSVNBackendFrame frame(loader->newestBundle());
+    if (!std::filesystem::is_directory(std::filesystem::path(path) / LuSVNEntry<100>()(frame.pool()), error) ||
+        administrativeAreaLacksDatabase(path, frame.pool()))
+        return;
+    svn_client_ctx_t* ctx = nullptr;
+    LuSVNThrowIfError(LuSVNEntry<47>()(&ctx, frame.pool()));
+    svn_opt_revision_t unspecified{};
+    unspecified.kind = svn_opt_revision_unspecified;
+    LuSVNThrowIfError(LuSVNEntry<55>()(internalStyle(path, frame.pool()), &unspecified, &unspecified,
+                                       svn_depth_empty, false, true, nullptr, LuSVNIgnoreInfoFunc, nullptr, ctx,
+                                       frame.pool()));
+}
+
 }  // namespace
 
 int LuSVNNode::formatVersionForWorkingCopyAtPath(const std::string& path,
@@ -39,6 +91,8 @@ int LuSVNNode::formatVersionForWorkingCopyAtPath(const std::string& path,
     LUSVN_TRACE("LuSVNNode", "formatVersionForWorkingCopyAtPath:withBundle",
                 {"path", path}, {"bundle", bundle ? bundle->description() : "(null)"});
     LuSVNBackendFrame frame(bundle);
+    if (administrativeAreaLacksDatabase(path, frame.pool()))
+        return 0;
     int format = 0;
     svn_error_t* error = LuSVNEntry<99>()(internalStyle(path, frame.pool()), &format, frame.pool());
     if (!error)
@@ -75,6 +129,8 @@ LuSVNVersion LuSVNNode::versionForWorkingCopyAtPath(const std::string& path)
 {
     LUSVN_TRACE("LuSVNNode", "versionForWorkingCopyAtPath", {"path", path});
     const int format = formatVersionForWorkingCopyAtPath(path);
+    if (format == 0)
+        raiseUnreadableWorkingCopyError(path);
     if (format == 0)
         throw LuSVNNotWorkingCopyException("\"" + displayLastComponent(path) + "\" is not a working copy");
     auto loader = LuSVNBundleLoader::sharedInstance();

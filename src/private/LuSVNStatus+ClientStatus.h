@@ -6,7 +6,7 @@
 // The status walk's callback for entry point 70 calls
 //
 //   return LuSVNGuardCallback(baton->pending, [&] {
-//       return LuSVNClientStatusToWCStatus(ctx, path, clientStatus, pool,
+//       return LuSVNClientStatusToWCStatus(ctx, path, clientStatus, pool, baton->replaced,
 //                                          [&](const char* itemPath, svn_wc_status2_t* record) {
 //                                              ... as for the records of svn_client_status2 ...
 //                                          });
@@ -15,7 +15,11 @@
 // Must run inside the backend call, with the walk's backend on the stack.
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
 
 #include <tessera/LuSVNExport.h>
 
@@ -35,6 +39,25 @@
 TESSERA_EXPORT void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus,
                                                    svn_wc_status2_t* wcStatus);
 
+/// The working revisions and last changes that the older interface
+/// (svn_client_status2, entry point 68) gives the deleted and replaced items
+/// of one status call, where svn_client_status5 gives none: read once per
+/// deleted or replaced tree, at its first item, and used up item by item.
+struct LuSVNReplacedItems {
+    struct Values {
+        svn_revnum_t revision;
+        svn_revnum_t changedRevision;
+        apr_time_t changedDate;
+        std::optional<std::string> changedAuthor;
+    };
+    /// Whether the status call goes below the immediates of its target, and
+    /// so must the reading of a tree.
+    bool recursive = true;
+    std::unordered_map<std::string, Values> byPath;
+    /// The svn_client_status2 calls made so far.
+    std::size_t olderCalls = 0;
+};
+
 /// Hands `handler` the svn_wc_status2_t form of one client status, made in
 /// the pool:
 ///  1. With a repository location, an entry: revision, URL (root and the
@@ -46,9 +69,9 @@ TESSERA_EXPORT void LuSVNClientStatusConvertFields(const svn_client_status_t* cl
 ///     conflicted item asks svn_client_info3 (entry point 55) for the
 ///     conflict's file names (the last components of the base, their and
 ///     my files; for a property conflict the reject file) and for the tree
-///     conflict's description. A deleted or replaced item asks
-///     svn_client_status2 (68) for the revision it replaces and, deleted,
-///     its last change.
+///     conflict's description. A deleted or replaced item takes from
+///     `replaced` the revision it replaces (unless copied) and, deleted, its
+///     last change; the first item of a tree reads them for the whole tree.
 ///  2. Otherwise, a node status of conflicted with a text status of none (a
 ///     tree-conflict victim that is not on disk): the record that
 ///     svn_client_status4 (entry point 69) reports for the path alone, its
@@ -65,4 +88,5 @@ TESSERA_EXPORT void LuSVNClientStatusConvertFields(const svn_client_status_t* cl
 using LuSVNWCStatusHandler = std::function<void(const char* path, svn_wc_status2_t* status)>;
 TESSERA_EXPORT svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path,
                                                         const svn_client_status_t* clientStatus, apr_pool_t* pool,
+                                                        LuSVNReplacedItems& replaced,
                                                         const LuSVNWCStatusHandler& handler);

@@ -83,6 +83,7 @@ struct LuSVNStatusCall {
     bool update = false;
     bool noIgnore = false;
     bool ignoreExternals = false;
+    bool depthAsSticky = true;
 
     /// The call's flags from the walk's options.
     static LuSVNStatusCall withOptions(const LuSVNStatusOptions& options);

@@ -1,4 +1,3 @@
-#include <cstring>
 #include <exception>
 #include <initializer_list>
 #include <string>
@@ -42,28 +41,45 @@ struct ConflictInfoBaton {
     std::exception_ptr pending;
 };
 
+const char* copyString(const char* text, apr_pool_t* pool)
+{
+    return text ? LuSVNEntry<4>()(pool, text) : nullptr;
+}
+
+svn_wc_conflict_version_t* copyConflictVersion(const svn_wc_conflict_version_t* version, apr_pool_t* pool)
+{
+    if (!version)
+        return nullptr;
+    auto* copy = LuSVNPoolAllocateZeroed<svn_wc_conflict_version_t>(pool);
+    *copy = *version;
+    copy->repos_url = copyString(version->repos_url, pool);
+    copy->path_in_repos = copyString(version->path_in_repos, pool);
+    copy->repos_uuid = copyString(version->repos_uuid, pool);
+    return copy;
+}
+
 // The older form of a tree conflict's description, which the status record
-// of the older interface carries.
+// of the older interface carries, copied into the pool: the info receiver's
+// memory is gone once it returns.
 svn_wc_conflict_description_t* olderConflictDescription(const svn_wc_conflict_description2_t& conflict,
                                                        apr_pool_t* pool)
 {
     auto* older = LuSVNPoolAllocateZeroed<svn_wc_conflict_description_t>(pool);
-    older->path = conflict.local_abspath;
+    older->path = copyString(conflict.local_abspath, pool);
     older->node_kind = conflict.node_kind;
     older->kind = conflict.kind;
-    older->property_name = conflict.property_name;
+    older->property_name = copyString(conflict.property_name, pool);
     older->is_binary = conflict.is_binary;
-    older->mime_type = conflict.mime_type;
+    older->mime_type = copyString(conflict.mime_type, pool);
     older->action = conflict.action;
     older->reason = conflict.reason;
-    older->base_file = conflict.base_abspath;
-    older->their_file = conflict.their_abspath;
-    older->my_file = conflict.my_abspath;
-    older->merged_file = conflict.merged_file;
+    older->base_file = copyString(conflict.base_abspath, pool);
+    older->their_file = copyString(conflict.their_abspath, pool);
+    older->my_file = copyString(conflict.my_abspath, pool);
+    older->merged_file = copyString(conflict.merged_file, pool);
     older->operation = conflict.operation;
-    // The older form is read only; the versions are shared, not copied.
-    older->src_left_version = const_cast<svn_wc_conflict_version_t*>(conflict.src_left_version);
-    older->src_right_version = const_cast<svn_wc_conflict_version_t*>(conflict.src_right_version);
+    older->src_left_version = copyConflictVersion(conflict.src_left_version, pool);
+    older->src_right_version = copyConflictVersion(conflict.src_right_version, pool);
     return older;
 }
 
@@ -95,17 +111,26 @@ svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_c
     });
 }
 
-// The entry that the older interface reports for one item.
-struct OlderEntryBaton {
-    const char* path;
-    const svn_wc_entry_t* entry;
+// Keeps what the older interface says of each item of a deleted or replaced
+// tree, copied while its record lives.
+struct OlderValuesBaton {
+    LuSVNReplacedItems* items;
+    std::exception_ptr pending;
 };
 
 void LuSVNOlderEntryStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
 {
-    auto* entryBaton = static_cast<OlderEntryBaton*>(baton);
-    if (status->entry && std::strcmp(path, entryBaton->path) == 0)
-        entryBaton->entry = status->entry;
+    auto* older = static_cast<OlderValuesBaton*>(baton);
+    const svn_wc_entry_t* entry = status->entry;
+    if (older->pending || !entry)
+        return;
+    try {
+        older->items->byPath.insert_or_assign(
+            path, LuSVNReplacedItems::Values{entry->revision, entry->cmt_rev, entry->cmt_date,
+                                             tessera_private::LuSVNOptionalString(entry->cmt_author)});
+    } catch (...) {
+        older->pending = std::current_exception();
+    }
 }
 
 struct TreeConflictBaton {
@@ -193,6 +218,39 @@ svn_wc_entry_t* entryForClientStatus(const svn_client_status_t* status, apr_pool
     return entry;
 }
 
+// A deleted or replaced item has no working revision here, and a deleted one
+// no last change; the older interface still reads those of the item it
+// deletes or replaces, as svn shows them (a copy shows no working revision).
+// The first item of a deleted or replaced tree reads the whole tree at once.
+svn_error_t* addReplacedValues(svn_wc_entry_t& entry, const svn_client_status_t& clientStatus, const char* abspath,
+                               svn_client_ctx_t* ctx, LuSVNReplacedItems& replaced, apr_pool_t* pool)
+{
+    auto found = replaced.byPath.find(abspath);
+    if (found == replaced.byPath.end()) {
+        svn_opt_revision_t unspecified{};
+        unspecified.kind = svn_opt_revision_unspecified;
+        OlderValuesBaton baton{&replaced, nullptr};
+        ++replaced.olderCalls;
+        svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNOlderEntryStatusFunc, &baton,
+                                              replaced.recursive, true, false, false, true, ctx, pool);
+        if (svn_error_t* failure = rethrowPendingOrReturn(baton.pending, error))
+            return failure;
+        found = replaced.byPath.find(abspath);
+        if (found == replaced.byPath.end())
+            return nullptr;
+    }
+    const LuSVNReplacedItems::Values values = std::move(found->second);
+    replaced.byPath.erase(found);
+    if (!clientStatus.copied)
+        entry.revision = values.revision;
+    if (clientStatus.node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry.cmt_rev)) {
+        entry.cmt_rev = values.changedRevision;
+        entry.cmt_date = values.changedDate;
+        entry.cmt_author = tessera_private::LuSVNPoolCopyString(values.changedAuthor, pool);
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus, svn_wc_status2_t* wcStatus)
@@ -219,33 +277,18 @@ void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus, svn
 
 svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, const char* path,
                                          const svn_client_status_t* clientStatus, apr_pool_t* pool,
-                                         const LuSVNWCStatusHandler& handler)
+                                         LuSVNReplacedItems& replaced, const LuSVNWCStatusHandler& handler)
 {
     auto* wcStatus = LuSVNPoolAllocateZeroed<svn_wc_status2_t>(pool);
     svn_wc_entry_t* entry = nullptr;
     if (clientStatus->repos_root_url && clientStatus->repos_relpath) {
         entry = entryForClientStatus(clientStatus, pool);
-        // A deleted or replaced item has no revision of its own here, and a
-        // deleted one no last change; the older interface still reads those
-        // of the item it replaces, as svn shows them.
         if (!SVN_IS_VALID_REVNUM(entry->revision) &&
-            isOneOf(clientStatus->node_status, {svn_wc_status_deleted, svn_wc_status_replaced})) {
-            svn_opt_revision_t unspecified{};
-            unspecified.kind = svn_opt_revision_unspecified;
-            const char* abspath = clientStatus->local_abspath ? clientStatus->local_abspath : path;
-            OlderEntryBaton baton{abspath, nullptr};
-            if (svn_error_t* error = LuSVNEntry<68>()(nullptr, abspath, &unspecified, LuSVNOlderEntryStatusFunc,
-                                                      &baton, false, true, false, false, true, ctx, pool))
+            isOneOf(clientStatus->node_status, {svn_wc_status_deleted, svn_wc_status_replaced}))
+            if (svn_error_t* error = addReplacedValues(*entry, *clientStatus,
+                                                       clientStatus->local_abspath ? clientStatus->local_abspath : path,
+                                                       ctx, replaced, pool))
                 return error;
-            if (const svn_wc_entry_t* older = baton.entry) {
-                entry->revision = older->revision;
-                if (clientStatus->node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry->cmt_rev)) {
-                    entry->cmt_rev = older->cmt_rev;
-                    entry->cmt_date = older->cmt_date;
-                    entry->cmt_author = older->cmt_author;
-                }
-            }
-        }
         // Text and property conflicts name their files, tree conflicts
         // describe themselves, only in the item's info.
         if (clientStatus->conflicted) {

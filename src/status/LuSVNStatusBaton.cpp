@@ -16,12 +16,15 @@ bool abnormal(svn_wc_status_kind kind)
     return LuSVNStatusIsAbnormal(LuSVNStatus::statusKindFromSVNStatusKind(kind));
 }
 
-// Adds a conflict's extra file, named relative to the item's directory.
-void LuSVNStatusAddConflictFile(const std::string& itemPath, const char* name, LuSVNStatusBaton& baton)
+// Adds a conflict's extra file, named relative to the directory that holds
+// it: the item's parent, or a directory item itself (its property reject
+// file, dir_conflicts.prej, lies inside it).
+void LuSVNStatusAddConflictFile(const std::string& itemPath, bool directory, const char* name,
+                                LuSVNStatusBaton& baton)
 {
     if (!name)
         return;
-    std::string file(LuSVNParentPathString(itemPath));
+    std::string file(directory ? std::string_view(itemPath) : LuSVNParentPathString(itemPath));
     if (file.back() != '/')
         file += '/';
     baton.conflictFiles.insert(file + name);
@@ -97,15 +100,16 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
     }
 
     if (abnormal(status->text_status) || abnormal(status->prop_status)) {
-        // Kept whatever the options: a conflict's extra files never count.
-        if (status->entry) {
+        // Left out of the walk, a conflict's extra files do not count either.
+        if (status->entry && !options.includeConflictVersionFiles()) {
+            const bool directory = status->entry->kind == svn_node_dir;
             if (status->text_status == svn_wc_status_conflicted) {
-                LuSVNStatusAddConflictFile(key, status->entry->conflict_old, baton);
-                LuSVNStatusAddConflictFile(key, status->entry->conflict_new, baton);
-                LuSVNStatusAddConflictFile(key, status->entry->conflict_wrk, baton);
+                LuSVNStatusAddConflictFile(key, directory, status->entry->conflict_old, baton);
+                LuSVNStatusAddConflictFile(key, directory, status->entry->conflict_new, baton);
+                LuSVNStatusAddConflictFile(key, directory, status->entry->conflict_wrk, baton);
             }
             if (status->prop_status == svn_wc_status_conflicted)
-                LuSVNStatusAddConflictFile(key, status->entry->prejfile, baton);
+                LuSVNStatusAddConflictFile(key, directory, status->entry->prejfile, baton);
         }
         if (status->text_status == svn_wc_status_unversioned)
             baton.unversionedPaths.insert(key);
@@ -142,6 +146,7 @@ struct ClientStatusForward {
     void* baton;
     svn_client_ctx_t* ctx;
     std::exception_ptr* pending;
+    LuSVNReplacedItems replaced;
 };
 
 svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_client_status_t* status,
@@ -153,7 +158,7 @@ svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_clie
         LUSVN_PARAMETER_ASSERT(status != nullptr, "stat != NULL");
         LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
         if (svn_error_t* error = LuSVNClientStatusToWCStatus(
-                forward->ctx, path, status, pool,
+                forward->ctx, path, status, pool, forward->replaced,
                 [forward](const char* itemPath, svn_wc_status2_t* record) {
                     forward->func(forward->baton, itemPath, record);
                 }))
@@ -275,6 +280,7 @@ LuSVNStatusCall LuSVNStatusCall::withOptions(const LuSVNStatusOptions& options)
     call.update = options.compareAgainstRepository();
     call.noIgnore = !options.respectIgnoreProperties();
     call.ignoreExternals = !options.processExternals();
+    call.depthAsSticky = options.depthIsSticky();
     return call;
 }
 
@@ -291,12 +297,11 @@ void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, 
     if (context.bundleVersion()->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())) {
         const svn_depth_t depth =
             call.itemOnly ? svn_depth_empty : call.recursive ? svn_depth_infinity : svn_depth_immediates;
-        ClientStatusForward forward{func, baton, context.ctx(), &pending};
-        // Depth not sticky, as the svn client asks: compared against the
-        // repository, a sparse directory does not report what it never fetched.
+        ClientStatusForward forward{func, baton, context.ctx(), &pending, {}};
+        forward.replaced.recursive = depth == svn_depth_infinity;
         error = LuSVNEntry<70>()(nullptr, context.ctx(), target, &revision, depth, call.getAll, call.update,
-                                 call.noIgnore, call.ignoreExternals, false, nullptr, LuSVNClientStatusFunc, &forward,
-                                 pool);
+                                 call.noIgnore, call.ignoreExternals, call.depthAsSticky, nullptr,
+                                 LuSVNClientStatusFunc, &forward, pool);
     } else {
         error = LuSVNEntry<68>()(nullptr, target, &revision, func, baton, call.recursive && !call.itemOnly,
                                  call.getAll, call.update, call.noIgnore, call.ignoreExternals, context.ctx(), pool);

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 
 #include "StatusFixture.h"
@@ -58,9 +59,11 @@ const std::vector<OptionRow>& optionRows()
     return rows;
 }
 
+// With the svn client's choice of depth: not sticky.
 LuSVNStatusOptions optionsOf(const std::function<void(LuSVNStatusOptions&)>& set)
 {
     LuSVNStatusOptions options;
+    options.setDepthIsSticky(false);
     set(options);
     return options;
 }
@@ -96,11 +99,11 @@ protected:
         const std::string path = name.empty() ? fixture->workingCopy() : fixture->item(name);
         return expectedItems(clientStatusReport(path, arguments));
     }
-    // The conflicts' extra files, which no count includes.
+    // The conflicts' extra files, which count only when the walk keeps them.
     static std::set<std::string> conflictFiles()
     {
         return {fixture->item("conflict.txt.mine"), fixture->item("conflict.txt.r3"), fixture->item("conflict.txt.r4"),
-                fixture->item("propconflict.txt.prej")};
+                fixture->item("propconflict.txt.prej"), fixture->item("propdir/dir_conflicts.prej")};
     }
     // The last commit of each item that the repository changed, as svn info
     // of its URL says.
@@ -138,7 +141,7 @@ TEST_F(StatusWalk, NewestBackendAgreesWithSvnForEachOptionSet)
         expectAgreement(result, expected,
                         KindsField | FlagsField | WorkingRevisionField | (row.remote ? RepositoryField : 0),
                         !row.remote, row.remote ? lastCommits(expected) : std::map<std::string, long>{});
-        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, conflictFiles()));
+        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, {}));
         EXPECT_EQ(result.remoteChanges, expectedRemoteChanges(expected));
     }
 }
@@ -194,7 +197,7 @@ TEST_F(StatusWalk, PropagationAggregatesWhatSvnReportsBelowEachDirectory)
         const auto expected = svnReport(row.svnArguments);
         const Walk result = walk(fixture->workingCopy(), options, context);
         expectAgreement(result, expected, KindsField, !row.remote);
-        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, conflictFiles()));
+        EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, {}));
         ASSERT_NE(result.root, nullptr);
         EXPECT_EQ(result.root->path()->string(), fixture->workingCopy());
         std::size_t directories = 0;
@@ -220,7 +223,7 @@ TEST_F(StatusWalk, RootOnlyWalksCountTheWholeTree)
 {
     const auto context = contextFor(nullptr);
     const auto everything = svnReport({"-u", "-v"});
-    const std::uint32_t local = expectedLocalChanges(everything, conflictFiles());
+    const std::uint32_t local = expectedLocalChanges(everything, {});
     const std::uint32_t remote = expectedRemoteChanges(everything);
     ASSERT_GT(remote, 0u);
     struct Case {
@@ -230,7 +233,7 @@ TEST_F(StatusWalk, RootOnlyWalksCountTheWholeTree)
     for (const Case& c : {Case{"propagating", true, false, false}, Case{"comparing everything", false, true, true},
                           Case{"both", true, true, true}}) {
         SCOPED_TRACE(c.name);
-        LuSVNStatusOptions options;
+        LuSVNStatusOptions options = optionsOf([](LuSVNStatusOptions&) {});
         options.setRecursive(false);
         options.setPropagateStatusToAncestor(c.propagate);
         options.setCompareAgainstRepository(c.compare);
@@ -270,6 +273,29 @@ TEST_F(StatusWalk, ConflictVersionFilesLeftOut)
         expectAgreement(result, expected, KindsField, true);
         EXPECT_EQ(result.localChanges, count);
     }
+}
+
+// Compared against the repository with the walk's depth as sticky (the
+// default), the depth-empty directory sparse reports what it never fetched,
+// as the older interface always does; with svn's choice, none of it.
+TEST_F(StatusWalk, StickyDepthReportsWhatSparseDirectoriesNeverFetched)
+{
+    const auto belowSparse = [](const Walk& result) {
+        std::map<std::string, std::uint32_t> kinds;
+        for (const auto& node : result.nodes)
+            if (node->path()->string().starts_with(fixture->item("sparse") + "/"))
+                kinds[node->path()->string()] = node->status()->repositoryTextStatus();
+        return kinds;
+    };
+    LuSVNStatusOptions options;
+    options.setCompareAgainstRepository(true);
+    const auto sticky = belowSparse(walk(fixture->workingCopy(), options, contextFor(nullptr)));
+    EXPECT_EQ(sticky, belowSparse(walk(fixture->workingCopy(), options, contextFor(TESSERA_TEST_BUNDLE_1_6_23))));
+    EXPECT_EQ(sticky.size(), 3u);  // a.txt, inner, inner/b.txt
+    for (const auto& [path, kind] : sticky)
+        EXPECT_EQ(kind, LuSVNStatusAdded) << path;
+    options.setDepthIsSticky(false);
+    EXPECT_TRUE(belowSparse(walk(fixture->workingCopy(), options, contextFor(nullptr))).empty());
 }
 
 // The single-item queries agree with svn status --depth empty of the item.
@@ -398,3 +424,137 @@ TEST_F(StatusWalk, ContextInAStaticSurvivesTheExitAfterAWalk)
         },
         testing::ExitedWithCode(0), "");
 }
+
+namespace {
+
+class DeletedTrees : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { fixture = new DeletionFixture(); }
+    static void TearDownTestSuite()
+    {
+        delete fixture;
+        fixture = nullptr;
+    }
+    static std::shared_ptr<LuSVNContext> context()
+    {
+        return LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle(), {},
+                                               fixture->configDirectory());
+    }
+
+    static DeletionFixture* fixture;
+};
+
+DeletionFixture* DeletedTrees::fixture = nullptr;
+
+// Deleted items show the working revision and last change of what they
+// delete, replaced ones the revision they replace (none for a copy) and their
+// own last change, as svn status -v does; for trees of every size, from the
+// working copy's root and from each tree's own root.
+TEST_F(DeletedTrees, WorkingRevisionAndLastChangeAgreeWithSvn)
+{
+    LuSVNStatusOptions options;
+    options.setIncludeNormalFiles(true);
+    const unsigned fields = KindsField | FlagsField | WorkingRevisionField | LastChangeField;
+    for (const char* name : {"", "d1", "d3", "d100", "d1000", "nested", "nested/a", "rep", "rh"}) {
+        SCOPED_TRACE(name);
+        const std::string path = name[0] ? fixture->item(name) : fixture->workingCopy();
+        const auto expected = expectedItems(clientStatusReport(path, {"-v"}));
+        expectAgreement(walk(path, options, context()), expected, fields, true);
+    }
+    // The changed items alone, as svn status without -v, keep their values.
+    const auto changed = expectedItems(clientStatusReport(fixture->workingCopy(), {}));
+    const Walk result = walk(fixture->workingCopy(), LuSVNStatusOptions(), context());
+    expectAgreement(result, changed, KindsField | WorkingRevisionField, true);
+    EXPECT_EQ(result.localChanges, expectedLocalChanges(changed, {}));
+}
+
+// One older-interface call per deleted or replaced tree, whatever its size.
+TEST_F(DeletedTrees, OneExtraCallPerDeletedTree)
+{
+    for (const auto& [name, calls] : std::vector<std::pair<std::string, std::size_t>>{
+             {"d1", 1}, {"d3", 1}, {"d100", 1}, {"d1000", 1}, {"nested", 2}, {"", 8}}) {
+        SCOPED_TRACE(name);
+        std::size_t olderCalls = 0;
+        const auto nodes =
+            libraryStatus(name.empty() ? fixture->workingCopy() : fixture->item(name), context(), &olderCalls);
+        EXPECT_GT(nodes.size(), calls);
+        EXPECT_EQ(olderCalls, calls);
+    }
+}
+
+}  // namespace
+
+namespace {
+
+// Sets the format that a working copy's wc.db declares (SQLite keeps the user
+// version big-endian at offset 60 of the file).
+void setDatabaseFormat(const std::string& workingCopy, std::uint32_t format)
+{
+    std::fstream database(workingCopy + "/.svn/wc.db", std::ios::in | std::ios::out | std::ios::binary);
+    database.seekp(60);
+    const char bytes[] = {static_cast<char>(format >> 24), static_cast<char>(format >> 16),
+                          static_cast<char>(format >> 8), static_cast<char>(format)};
+    database.write(bytes, 4);
+    ASSERT_TRUE(database.good());
+}
+
+// Working copies that Subversion cannot read: their own errors arrive as
+// exceptions, an internal assertion of Subversion included, and nothing
+// aborts or crashes the process.
+TEST(UnreadableWorkingCopies, RaiseSubversionsErrors)
+{
+    tessera_test::TemporaryDirectory directory;
+    const std::string original = directory / "wc";
+    tessera_test::checkout(tessera_test::makeRepository(directory / "repo"), original);
+    struct Case {
+        const char* name;
+        std::function<void(const std::string&)> damage;
+        int status;  // of the exception; 0 for "not a working copy"
+        const char* reasonPart;
+    };
+    const Case cases[] = {
+        {"database of format 0", [](const std::string& wc) { setDatabaseFormat(wc, 0); }, 235000, "format >= 1"},
+        {"too old", [](const std::string& wc) { setDatabaseFormat(wc, 10); }, 155036, "upgrade"},
+        {"too new", [](const std::string& wc) { setDatabaseFormat(wc, 99); }, 155021, "too old"},
+        {"format file without database",
+         [](const std::string& wc) {
+             std::filesystem::remove_all(wc + "/.svn");
+             std::filesystem::create_directory(wc + "/.svn");
+             tessera_test::writeFile(wc + "/.svn/entries", "31\n");
+         },
+         0, "is not a working copy"},
+    };
+    const auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle());
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string wc = directory / c.name;
+        std::filesystem::copy(original, wc, std::filesystem::copy_options::recursive);
+        c.damage(wc);
+        const auto expectRaised = [&](const std::function<void()>& call) {
+            try {
+                call();
+                ADD_FAILURE() << "nothing raised";
+            } catch (const LuSVNException& e) {
+                EXPECT_EQ(e.status(), c.status ? c.status : 20014) << e.reason();
+                EXPECT_NE(e.reason().find(c.reasonPart), std::string::npos) << e.reason();
+                if (c.status == 155021 || c.status == 0) {
+                    EXPECT_EQ(e.name(), c.status ? "LuSVNUnsupportedWorkingCopyFormatException"
+                                                 : "LuSVNNotWorkingCopyException");
+                }
+            }
+        };
+        if (c.status == 235000)
+            expectRaised([&] { LuSVNNode::formatVersionForWorkingCopyAtPath(wc); });
+        else
+            EXPECT_EQ(LuSVNNode::formatVersionForWorkingCopyAtPath(wc), 0);
+        expectRaised([&] { LuSVNNode::versionForWorkingCopyAtPath(wc); });
+        // Subversion's walk of the damaged area is the known crash.
+        if (c.status != 0)
+            expectRaised([&] {
+                LuSVNDirectory::statusForNodesInDirectoryAtPath(LuSVNLocalPath::pathWithString(wc),
+                                                                LuSVNStatusOptions(), context);
+            });
+    }
+}
+
+}  // namespace

@@ -1,5 +1,6 @@
 #include "StatusFixture.h"
 
+#include <tessera/LuSVNDateConversion.h>
 #include <tessera/LuSVNLocalPath.h>
 
 #include <gtest/gtest.h>
@@ -50,6 +51,7 @@ StatusFixture::StatusFixture()
                     {"treedel.txt", "tree\n"},        {"locked.txt", "locked\n"},
                     {"outdated.txt", "outdated\n"},
                     {"sub/file.txt", "sub\n"},        {"sparse/a.txt", "a\n"},
+                    {"propdir/inside.txt", "inside\n"},
                     {"sparse/inner/b.txt", "b\n"}});
     makeTree(directory_ / "lib", {{"libfile.txt", "lib\n"}});
     svnOrThrow({"import", "-q", "-m", "import trunk", tree, url_ + "/trunk"});
@@ -64,6 +66,7 @@ StatusFixture::StatusFixture()
     // The conflicting side, committed from the other working copy.
     writeFile(other + "/conflict.txt", "one\ntheirs\nthree\n");
     svnOrThrow({"propset", "-q", "colour", "theirs", other + "/propconflict.txt"});
+    svnOrThrow({"propset", "-q", "colour", "theirs", other + "/propdir"});
     svnOrThrow({"rm", "-q", other + "/treeedit.txt", other + "/treedel.txt"});
     svnOrThrow({"propset", "-q", "svn:externals", "^/lib ext", other});
     svnOrThrow({"commit", "-q", "-m", "their changes", other});
@@ -71,6 +74,7 @@ StatusFixture::StatusFixture()
     svnOrThrow({"switch", "-q", "^/branch/sub", item("sub")});
     writeFile(item("conflict.txt"), "one\nmine\nthree\n");
     svnOrThrow({"propset", "-q", "colour", "mine", item("propconflict.txt")});
+    svnOrThrow({"propset", "-q", "colour", "mine", item("propdir")});
     writeFile(item("treeedit.txt"), "edited\n");
     svnOrThrow({"rm", "-q", item("treedel.txt")});
     svnOrThrow({"update", "-q", "--accept", "postpone", wc});
@@ -122,6 +126,39 @@ NestedFixture::NestedFixture()
     svnOrThrow({"propset", "-q", "colour", "green", item("top")});
 }
 
+DeletionFixture::DeletionFixture()
+{
+    url_ = tessera_test::makeRepository(directory_ / "repo");
+    const std::string tree = directory_ / "tree";
+    std::vector<std::pair<std::string, std::string>> files = {
+        {"nested/a/b/f", "f\n"}, {"nested/a/g", "g\n"},   {"nested/keep/k", "k\n"}, {"nested/keep/del/f", "f\n"},
+        {"rep/f0", "0\n"},       {"rep/f1", "1\n"},       {"rh/old", "old\n"},     {"src/s0", "s0\n"},
+        {"src/s1", "s1\n"}};
+    for (const int size : {1, 3, 100, 1000})
+        for (int i = 0; i < size; ++i)
+            files.emplace_back("d" + std::to_string(size) + "/f" + std::to_string(i), std::to_string(i) + "\n");
+    makeTree(tree, files);
+    svnOrThrow({"import", "-q", "-m", "import trunk", tree, url_ + "/trunk"});
+
+    const std::string wc = workingCopy();
+    tessera_test::checkout(url_ + "/trunk", wc);
+    writeFile(item("d3/f1"), "changed\n");
+    writeFile(item("rep/f1"), "changed\n");
+    svnOrThrow({"commit", "-q", "--username", "second", "-m", "second", wc});
+    svnOrThrow({"update", "-q", wc});
+    svnOrThrow({"update", "-q", "-r", "1", item("d3/f2")});
+
+    svnOrThrow({"rm", "-q", item("d1"), item("d3"), item("d100"), item("d1000"), item("nested/keep/del")});
+    svnOrThrow({"rm", "-q", item("nested/a/b")});
+    svnOrThrow({"rm", "-q", item("nested/a")});
+    svnOrThrow({"rm", "-q", item("rep")});
+    std::filesystem::create_directory(item("rep"));
+    writeFile(item("rep/f1"), "again\n");
+    svnOrThrow({"add", "-q", item("rep")});
+    svnOrThrow({"rm", "-q", item("rh")});
+    svnOrThrow({"copy", "-q", item("src"), item("rh")});
+}
+
 std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::vector<std::string>& arguments)
 {
     std::vector<std::string> command = {"status", "--xml"};
@@ -153,7 +190,18 @@ std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::
             else if (name == "revision")
                 status.revision = std::stol(value);
         }
-        status.locked = (*match)[3].str().find("<lock>") != std::string::npos;
+        const std::string inner = (*match)[3];
+        status.locked = inner.find("<lock>") != std::string::npos;
+        static const std::regex commit(R"re(<commit\s+revision="(\d+)">)re");
+        static const std::regex author("<author>([^<]*)</author>");
+        static const std::regex date("<date>([^<]*)</date>");
+        std::smatch found;
+        if (std::regex_search(inner, found, commit))
+            status.commitRevision = std::stol(found[1]);
+        if (std::regex_search(inner, found, author))
+            status.commitAuthor = found[1];
+        if (std::regex_search(inner, found, date))
+            status.commitDate = found[1];
         const std::string repository = (*match)[5];
         for (std::sregex_iterator a(repository.begin(), repository.end(), attribute); a != end; ++a) {
             if ((*a)[1] == "item")
@@ -197,6 +245,7 @@ struct Collector {
     const std::shared_ptr<LuSVNContext>* context;
     std::map<std::string, std::shared_ptr<LuSVNNode>>* nodes;
     std::exception_ptr pending;
+    LuSVNReplacedItems replaced;
 
     void add(const char* path, const svn_wc_status2_t* record)
     {
@@ -208,7 +257,7 @@ svn_error_t* collectClientStatus(void* baton, const char* path, const svn_client
 {
     auto* collector = static_cast<Collector*>(baton);
     return LuSVNGuardCallback(collector->pending, [&] {
-        return LuSVNClientStatusToWCStatus((*collector->context)->ctx(), path, status, pool,
+        return LuSVNClientStatusToWCStatus((*collector->context)->ctx(), path, status, pool, collector->replaced,
                                            [&](const char* itemPath, svn_wc_status2_t* record) {
                                                collector->add(itemPath, record);
                                            });
@@ -237,10 +286,11 @@ void collectStatus2(void* baton, const char* path, svn_wc_status2_t* status)
 }  // namespace
 
 std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::string& path,
-                                                                const std::shared_ptr<LuSVNContext>& context)
+                                                                const std::shared_ptr<LuSVNContext>& context,
+                                                                std::size_t* olderCalls)
 {
     std::map<std::string, std::shared_ptr<LuSVNNode>> nodes;
-    Collector collector{&context, &nodes, nullptr};
+    Collector collector{&context, &nodes, nullptr, {}};
     const LuSVNVersion version = *context->bundleVersion();
     LuSVNBackendFrame frame(context->bundle());
     const char* target = LuSVNLocalPath::pathWithString(path)->SVNRepresentationInPool(frame.pool());
@@ -258,6 +308,8 @@ std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::strin
     if (collector.pending)
         LuSVNRethrowPending(collector.pending, error);
     context->throwIfError(error);
+    if (olderCalls)
+        *olderCalls = collector.replaced.olderCalls;
     return nodes;
 }
 
@@ -349,6 +401,17 @@ std::string statusDifferences(const LuSVNNode& node, const ClientStatus& client,
         differ("tree conflict", status.treeConflict() != nullptr, client.treeConflicted);
     if (fields & WorkingRevisionField)
         differ("revision", status.workingRevision(), client.revision);
+    if (fields & LastChangeField) {
+        differ("last change", status.lastChangedRevision(), client.commitRevision);
+        if (status.lastChangedAuthor() != client.commitAuthor)
+            out << " author " << status.lastChangedAuthor().value_or("(none)") << " (svn "
+                << client.commitAuthor.value_or("(none)") << ")";
+        const auto date = client.commitDate ? LuSVNDateConversion::dateWithISO8601String(*client.commitDate)
+                                            : std::nullopt;
+        if (status.lastChangedDate() != date)
+            out << " date " << (status.lastChangedDate() ? LuSVNDateConversion::ISO8601StringValue(*status.lastChangedDate()) : "(none)")
+                << " (svn " << client.commitDate.value_or("(none)") << ")";
+    }
     if (fields & RepositoryField) {
         differ("repository text", status.repositoryTextStatus(), repositoryKindNamed(client.reposItem));
         differ("repository props", status.repositoryPropertyStatus(), repositoryKindNamed(client.reposProps));

@@ -12,6 +12,7 @@
 #include <map>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,7 +25,8 @@ namespace tessera_status_test {
 /// by file name: normal.txt, modified.txt, propmod.txt, added.txt,
 /// copied.txt (added with history), deleted.txt, replaced.txt, missing.txt,
 /// obstructed.txt (a directory now), unversioned.txt, ignored.o, locked.txt
-/// (locked here), conflict.txt (text), propconflict.txt (property),
+/// (locked here), conflict.txt (text), propconflict.txt (property), propdir
+/// (property conflict of a directory, dir_conflicts.prej inside it),
 /// treeedit.txt (tree: local edit, incoming delete), treedel.txt (tree: local
 /// delete, incoming delete), sub (switched to the branch), sparse (depth
 /// empty), ext (external of lib). The root has an svn:ignore change. After
@@ -68,6 +70,27 @@ private:
     std::string url_;
 };
 
+/// Repository "repo" (trunk) and working copy "wc" of it with deleted and
+/// replaced trees: d1, d3, d100 and d1000 (directories of that many files,
+/// deleted), nested/a (deleted after its subdirectory b), nested/keep/del
+/// (deleted inside a kept directory), rep (replaced without history, its file
+/// f1 added again) and rh (replaced with a copy of src). Revision 2 changed
+/// d3/f1 and rep/f1 as user "second", and d3/f2 is held at revision 1, so that
+/// items of one directory differ in their working revision and last change.
+class DeletionFixture {
+public:
+    DeletionFixture();
+
+    std::string workingCopy() const { return directory_ / "wc"; }
+    std::string item(const std::string& name) const { return workingCopy() + "/" + name; }
+    const std::string& configDirectory() const { return config_.path(); }
+
+private:
+    tessera_test::TemporaryDirectory directory_;
+    tessera_test::TemporaryDirectory config_;
+    std::string url_;
+};
+
 /// One item as `svn status --xml` shows it.
 struct ClientStatus {
     std::string item;   // "modified", "unversioned", ...
@@ -80,6 +103,10 @@ struct ClientStatus {
     // With -u: the repository's kinds, "none" where svn shows no repos-status.
     std::string reposItem = "none";
     std::string reposProps = "none";
+    // The last change, where svn shows one (with -v).
+    long commitRevision = -1;
+    std::optional<std::string> commitAuthor;
+    std::optional<std::string> commitDate;
 };
 
 /// One entry of `svn status --xml`, in svn's order; a path that svn reports
@@ -105,8 +132,11 @@ LuSVNStatusKind kindNamed(const std::string& name);
 /// of the backend's status function: svn_client_status5 (70) through
 /// LuSVNClientStatusToWCStatus for 1.7 and later, svn_client_status4 (69) for
 /// 1.6, svn_client_status2 (68) before. By absolute path.
+/// `olderCalls`, when given, receives the number of svn_client_status2 calls
+/// that the deleted and replaced items cost on 1.7 and later.
 std::map<std::string, std::shared_ptr<LuSVNNode>> libraryStatus(const std::string& path,
-                                                                const std::shared_ptr<LuSVNContext>& context);
+                                                                const std::shared_ptr<LuSVNContext>& context,
+                                                                std::size_t* olderCalls = nullptr);
 
 // --- The status walk against svn's report ---------------------------------------
 
@@ -152,6 +182,7 @@ inline constexpr unsigned FlagsField = 2;            // copied, switched, lock h
 inline constexpr unsigned TreeConflictField = 4;     // a tree conflict description present
 inline constexpr unsigned WorkingRevisionField = 8;  // the working revision
 inline constexpr unsigned RepositoryField = 16;      // repository kinds, out-of-date revision
+inline constexpr unsigned LastChangeField = 32;      // last change: revision, author, date
 
 /// The walk holds the same paths as the expected items, in the same order
 /// when `inOrder`, and each node agrees with svn's newer report in the

@@ -478,6 +478,8 @@ bool StatusPrinter::walk(Target& target)
     options.setProcessExternals(!settings_.ignoreExternals && depth == Depth::Infinity);
     options.setPropagateStatusToAncestor(settings_.aggregates);
     options.setIncludeConflictVersionFiles(true);
+    // As svn: a sparse directory does not report what it never fetched.
+    options.setDepthIsSticky(false);
 
     auto context = contextForPath(target.absolute);
     auto events = std::make_shared<StatusEvents>();
