@@ -4,6 +4,8 @@
 #include <tessera/LuSVNDirectory.h>
 #include <tessera/LuSVNExternalDefinition.h>
 
+#include <algorithm>
+
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
 #include "LuSVNNode+Properties.h"
@@ -85,19 +87,18 @@ LuSVNPathStrings externalsAbove(const LuSVNNode::LocalPath& path, const LuSVNNod
 
 }  // namespace
 
-LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath& path,
-                                                                  const LuSVNStatusOptions& options,
-                                                                  std::shared_ptr<LuSVNDirectory>* directory,
-                                                                  std::uint32_t* localChangeCount,
-                                                                  std::uint32_t* remoteChangeCount,
-                                                                  const Context& context)
+void LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+                                                           const NodeHandler& handler,
+                                                           std::uint32_t* localChangeCount,
+                                                           std::uint32_t* remoteChangeCount, const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(handler != nullptr, "handler != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNDirectory", "statusForNodesInDirectoryAtPath:withOptions:directory:localChangeCount:"
+    LUSVN_TRACE("LuSVNDirectory", "reportStatusForNodesInDirectoryAtPath:withOptions:handler:localChangeCount:"
                 "remoteChangeCount:withContext",
                 {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
-    LuSVNStatusBaton baton(context, path, options, nullptr);
+    LuSVNStatusBaton baton(context, path, options, handler);
     baton.externals = externalsAbove(path, context);
     LuSVNBackendFrame frame(context->bundle());
     baton.pool = frame.pool();
@@ -113,8 +114,6 @@ LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath
     LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool(),
                       &baton.externals);
 
-    if (directory)
-        *directory = baton.rootNode;
     if (localChangeCount) {
         std::uint32_t extraFiles = 0;
         for (const std::string& file : baton.conflictFiles)
@@ -123,11 +122,79 @@ LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath
     }
     if (remoteChangeCount)
         *remoteChangeCount = baton.remoteChangeCount;
+    if (options.propagateStatusToAncestor()) {
+        Directories directories;
+        directories.reserve(baton.directoriesByPath.size());
+        for (const auto& [key, node] : baton.directoriesByPath)
+            directories.push_back(node);
+        aggregateStatii(baton.statii, baton.repositoryStatii, directories);
+    }
+}
+
+namespace {
+
+template <class Vector, class Element>
+void eraseLast(Vector& vector, const Element& element)
+{
+    const auto found = std::find(vector.rbegin(), vector.rend(), element);
+    if (found != vector.rend())
+        vector.erase(std::next(found).base());
+}
+
+// The array form's result: a directory reported twice keeps its last node.
+struct NodeCollector {
+    const std::string& rootPath;
+    LuSVNNode::Nodes nodes;
+    std::unordered_map<std::string, std::shared_ptr<LuSVNDirectory>> directoriesByPath;
+    std::shared_ptr<LuSVNDirectory> rootNode;
+    LuSVNNode::Nodes conflictedNodes;
+
+    void add(const std::shared_ptr<LuSVNNode>& node)
+    {
+        if (node->isDirectory()) {
+            auto directory = std::static_pointer_cast<LuSVNDirectory>(node);
+            const std::string& key = node->path()->string();
+            auto& entry = directoriesByPath[key];
+            if (entry)
+                eraseLast(nodes, std::shared_ptr<LuSVNNode>(entry));
+            entry = directory;
+            if (key == rootPath)
+                rootNode = directory;
+        }
+        const LuSVNStatus& status = *node->status();
+        if (status.textStatus() == LuSVNStatusConflicted || status.propertyStatus() == LuSVNStatusConflicted)
+            conflictedNodes.push_back(node);
+        nodes.push_back(node);
+    }
+};
+
+}  // namespace
+
+LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath& path,
+                                                                  const LuSVNStatusOptions& options,
+                                                                  std::shared_ptr<LuSVNDirectory>* directory,
+                                                                  std::uint32_t* localChangeCount,
+                                                                  std::uint32_t* remoteChangeCount,
+                                                                  const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDirectory", "statusForNodesInDirectoryAtPath:withOptions:directory:localChangeCount:"
+                "remoteChangeCount:withContext",
+                {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
+    NodeCollector collector{path->string(), {}, {}, nullptr, {}};
+    // Working copies of many thousand items are walked.
+    collector.nodes.reserve(5000);
+    collector.directoriesByPath.reserve(500);
+    reportStatusForNodesInDirectoryAtPath(
+        path, options, [&collector](const std::shared_ptr<LuSVNNode>& node) { collector.add(node); },
+        localChangeCount, remoteChangeCount, context);
+    if (directory)
+        *directory = collector.rootNode;
+    // Extra files reported before their conflicted item.
     if (!options.includeConflictVersionFiles())
-        removeVersionConflictFilesFromArray(baton.nodes, baton.conflictedNodes);
-    if (options.propagateStatusToAncestor())
-        aggregateStatii(baton.statii, baton.repositoryStatii, baton.directories);
-    return std::move(baton.nodes);
+        removeVersionConflictFilesFromArray(collector.nodes, collector.conflictedNodes);
+    return std::move(collector.nodes);
 }
 
 LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath& path,

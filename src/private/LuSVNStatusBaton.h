@@ -24,22 +24,26 @@
 using LuSVNPathStrings = std::unordered_set<std::string>;
 
 /// One walk's state; lives on the walking thread's stack for one backend call.
+/// Nodes go to the handler as they are made; the walk keeps path texts only,
+/// and the directory nodes when their aggregates are asked for.
 struct LuSVNStatusBaton {
     std::shared_ptr<LuSVNContext> context;
     LuSVNStatusNodeMaker maker;
     apr_pool_t* pool = nullptr;
-    std::shared_ptr<LuSVNDirectory> rootNode;
+    const LuSVNDirectory::NodeHandler* handler = nullptr;
     LuSVNNode::LocalPath rootPath;
-    LuSVNNode::Nodes nodes;
-    LuSVNDirectory::Directories directories;
-    std::unordered_map<std::string, std::shared_ptr<LuSVNDirectory>> directoriesByPath;
+    /// Every directory handed over, placeholders included.
+    LuSVNPathStrings reportedDirectories;
+    /// Reported directories (not placeholders) with text status external.
+    LuSVNPathStrings externalMarks;
     LuSVNPathStrings placeholders;
+    /// The last directory handed over for each path, with propagation only.
+    std::unordered_map<std::string, std::shared_ptr<LuSVNDirectory>> directoriesByPath;
     const LuSVNStatusOptions* options = nullptr;
     LuSVNPathStrings externals;
     bool rootOnly = false;
     std::uint32_t localChangeCount = 0;
     std::uint32_t remoteChangeCount = 0;
-    LuSVNNode::Nodes conflictedNodes;
     LuSVNPathStrings conflictFiles;
     LuSVNPathStrings unversionedPaths;
     LuSVNDirectory::StatiiByPath statii;
@@ -47,13 +51,14 @@ struct LuSVNStatusBaton {
     std::exception_ptr pending;
 
     LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
-                     const LuSVNStatusOptions& walkOptions, apr_pool_t* walkPool);
+                     const LuSVNStatusOptions& walkOptions, const LuSVNDirectory::NodeHandler& nodeHandler);
 };
 
 /// The callback of the older interface (svn_wc_status_func2_t) and the walk's
-/// per-item work for every backend: marks externals, counts, propagates and
-/// makes the node. An exception is kept in the baton and later items are
-/// ignored; the walk rethrows it once the backend has returned.
+/// per-item work for every backend: marks externals, counts, propagates,
+/// makes the node and hands it over. An exception (the handler's too) is kept
+/// in the baton and later items are ignored; the walk rethrows it once the
+/// backend has returned.
 void LuSVNStatusFunc(void* baton, const char* path, svn_wc_status2_t* status);
 
 /// ORs a and b into *aggregate; whether the word changed.

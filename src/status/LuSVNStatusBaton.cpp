@@ -34,50 +34,35 @@ void LuSVNStatusAddMissingParentDirectoriesForNode(const LuSVNNode& node, LuSVNS
     for (auto parent = std::static_pointer_cast<const LuSVNLocalPath>(node.path()->parent()); parent;
          parent = std::static_pointer_cast<const LuSVNLocalPath>(parent->parent())) {
         const std::string& key = parent->string();
-        if (baton.directoriesByPath.contains(key) || !parent->isDescendentOfPath(baton.rootPath))
+        if (baton.reportedDirectories.contains(key) || !parent->isDescendentOfPath(baton.rootPath))
             return;
         auto placeholder = LuSVNDirectory::nodeWithPath(parent);
         auto status = LuSVNStatus::unversioned();
         status->setTextStatus(LuSVNStatusExternal);
         placeholder->setStatus(std::move(status));
-        baton.directoriesByPath.emplace(key, placeholder);
+        baton.reportedDirectories.insert(key);
         baton.placeholders.insert(key);
-        baton.directories.push_back(placeholder);
-        baton.nodes.push_back(placeholder);
+        if (baton.options->propagateStatusToAncestor())
+            baton.directoriesByPath[key] = placeholder;
+        (*baton.handler)(placeholder);
     }
-}
-
-template <class Vector, class Element>
-void eraseLast(Vector& vector, const Element& element)
-{
-    const auto found = std::find(vector.rbegin(), vector.rend(), element);
-    if (found != vector.rend())
-        vector.erase(std::next(found).base());
 }
 
 // A directory reported twice (an external, once from its parent as external
-// and once from inside; or a placeholder reported for real) keeps one node:
-// the newer, with the external mark of a real earlier report.
+// and once from inside) keeps the external mark of the real earlier report.
 void enterDirectory(const std::shared_ptr<LuSVNDirectory>& directory, LuSVNStatusBaton& baton)
 {
     const std::string& key = directory->path()->string();
-    const auto earlier = baton.directoriesByPath.find(key);
-    if (earlier != baton.directoriesByPath.end()) {
-        const bool placeholder = baton.placeholders.erase(key) != 0;
-        if (!placeholder && earlier->second->status()->textStatus() == LuSVNStatusExternal)
-            directory->status()->setTextStatus(LuSVNStatusExternal);
-        const std::shared_ptr<LuSVNNode> earlierNode = earlier->second;
-        eraseLast(baton.nodes, earlierNode);
-        eraseLast(baton.directories, earlier->second);
-        earlier->second = directory;
-    } else {
-        baton.directoriesByPath.emplace(key, directory);
-    }
-    baton.directories.push_back(directory);
-    if (directory->status()->textStatus() == LuSVNStatusExternal)
+    const bool placeholder = baton.placeholders.erase(key) != 0;
+    if (!placeholder && baton.externalMarks.contains(key))
+        directory->status()->setTextStatus(LuSVNStatusExternal);
+    baton.reportedDirectories.insert(key);
+    if (baton.options->propagateStatusToAncestor())
+        baton.directoriesByPath[key] = directory;
+    if (directory->status()->textStatus() == LuSVNStatusExternal) {
+        baton.externalMarks.insert(key);
         LuSVNStatusAddMissingParentDirectoriesForNode(*directory, baton);
-    if (key == baton.rootPath->string())
-        baton.rootNode = directory;
+    }
 }
 
 void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* status)
@@ -128,12 +113,13 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
             return;
     }
 
+    // A conflict's extra file follows its conflicted item in path order.
+    if (!options.includeConflictVersionFiles() && baton.conflictFiles.contains(key))
+        return;
     const auto node = baton.maker.nodeAtPath(path, status);
     if (node->isDirectory())
         enterDirectory(std::static_pointer_cast<LuSVNDirectory>(node), baton);
-    if (status->text_status == svn_wc_status_conflicted || status->prop_status == svn_wc_status_conflicted)
-        baton.conflictedNodes.push_back(node);
-    baton.nodes.push_back(node);
+    (*baton.handler)(node);
 }
 
 // What the 1.7 callback needs to hand a record on in the older form.
@@ -206,14 +192,13 @@ struct ExternalsListener {
 }  // namespace
 
 LuSVNStatusBaton::LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
-                                   const LuSVNStatusOptions& walkOptions, apr_pool_t* walkPool)
-    : context(std::move(walkContext)), maker(*context), pool(walkPool),
-      rootPath(std::move(root)), options(&walkOptions)
+                                   const LuSVNStatusOptions& walkOptions,
+                                   const LuSVNDirectory::NodeHandler& nodeHandler)
+    : context(std::move(walkContext)), maker(*context), handler(&nodeHandler), rootPath(std::move(root)),
+      options(&walkOptions)
 {
     // Working copies of many thousand items are walked.
-    nodes.reserve(5000);
-    directories.reserve(500);
-    directoriesByPath.reserve(500);
+    reportedDirectories.reserve(500);
     statii.reserve(500);
     repositoryStatii.reserve(500);
 }

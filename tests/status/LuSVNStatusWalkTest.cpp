@@ -272,6 +272,68 @@ TEST_F(StatusWalk, ConflictVersionFilesLeftOut)
     }
 }
 
+// The streaming walk hands over what the array holds, for every option set,
+// with and without propagation and (in path order) the conflicts' extra
+// files, on the newest and the oldest interface.
+TEST_F(StatusWalk, StreamHandsOverWhatTheArrayHolds)
+{
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_4_6}) {
+        const auto context = contextFor(bundle);
+        for (const OptionRow& row : optionRows()) {
+            for (const bool propagate : {false, true}) {
+                for (const bool extraFiles : {true, false}) {
+                    // Against the repository an extra file may come before
+                    // its conflicted item, and then through the stream.
+                    if (row.remote && !extraFiles)
+                        continue;
+                    SCOPED_TRACE(std::string(bundle ? bundle : "newest") + ": " + row.name +
+                                 (propagate ? ", propagated" : "") + (extraFiles ? "" : ", no conflict files"));
+                    LuSVNStatusOptions options = optionsOf(row.set);
+                    options.setPropagateStatusToAncestor(propagate);
+                    options.setIncludeConflictVersionFiles(extraFiles);
+                    expectStreamAgreesWithArray(fixture->workingCopy(), options, context);
+                }
+            }
+        }
+    }
+}
+
+// An exception of the handler ends the walk and reaches the caller as it
+// was thrown; no node follows it, and the context walks again afterwards.
+TEST_F(StatusWalk, HandlerExceptionStopsTheStream)
+{
+    struct Enough {
+        int calls;
+    };
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_4_6}) {
+        SCOPED_TRACE(bundle ? bundle : "newest");
+        const auto context = contextFor(bundle);
+        LuSVNStatusOptions options;
+        options.setIncludeNormalFiles(true);
+        std::uint32_t local = 12345;
+        int calls = 0;
+        try {
+            LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+                LuSVNLocalPath::pathWithString(fixture->workingCopy()), options,
+                [&](const std::shared_ptr<LuSVNNode>&) {
+                    if (++calls == 3)
+                        throw Enough{calls};
+                },
+                &local, nullptr, context);
+            ADD_FAILURE() << "no exception";
+        } catch (const Enough& enough) {
+            EXPECT_EQ(enough.calls, 3);
+        }
+        EXPECT_EQ(calls, 3);
+        EXPECT_EQ(local, 12345u);
+        EXPECT_FALSE(walk(fixture->workingCopy(), options, context).nodes.empty());
+    }
+    EXPECT_THROW(LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+                     LuSVNLocalPath::pathWithString(fixture->workingCopy()), LuSVNStatusOptions(), nullptr,
+                     nullptr, nullptr, contextFor(nullptr)),
+                 LuSVNInternalInconsistencyException);
+}
+
 // The single-item queries agree with svn status --depth empty of the item.
 // The external is external as in a walk (svn reports it from inside alone).
 TEST_F(StatusWalk, SingleItemsAgreeWithSvn)
