@@ -1,9 +1,11 @@
 // tessera status: one library status walk per target, printed as the svn
 // client prints its status (or its XML), plus --json and --aggregates.
 //
-// The walk hands back nodes in the backend's order; the sections that svn
-// prints around externals come from the walk's own notifications (status
-// external, status completed), which arrive in the order svn prints them.
+// The streaming walk hands over nodes in the backend's order, and they are
+// printed as they come, so memory does not grow with the size of the tree;
+// the sections that svn prints around externals come from the walk's own
+// notifications (status external, status completed), which arrive between
+// the nodes in the order svn prints them.
 #include "StatusCommand.h"
 
 #include <tessera/Tessera.h>
@@ -13,6 +15,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -313,22 +316,6 @@ LuSVNStatusKind repositoryNodeStatus(const LuSVNStatus& status)
     return LuSVNStatusNone;
 }
 
-// svn_path_compare_paths: component by component, '/' before any other byte.
-bool pathLess(std::string_view a, std::string_view b)
-{
-    const std::size_t common = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        if (a[i] == b[i])
-            continue;
-        if (a[i] == '/')
-            return true;
-        if (b[i] == '/')
-            return false;
-        return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]);
-    }
-    return a.size() < b.size();
-}
-
 bool isUnder(std::string_view path, std::string_view root)
 {
     return path.size() > root.size() && path.compare(0, root.size(), root) == 0 &&
@@ -367,30 +354,57 @@ std::string canonicalDisplayPath(const std::string& text)
     return out;
 }
 
+void appendXMLLock(std::string& out, const LuSVNLock& lock)
+{
+    out += "<lock>\n<token>";
+    appendEscaped(out, lock.token(), false);
+    out += "</token>\n<owner>";
+    appendEscaped(out, lock.owner(), false);
+    out += "</owner>\n";
+    if (lock.comment()) {
+        out += "<comment>";
+        appendEscaped(out, *lock.comment(), false);
+        out += "</comment>\n";
+    }
+    if (lock.creationDate())
+        out += "<created>" + xmlDate(*lock.creationDate()) + "</created>\n";
+    if (lock.expirationDate())
+        out += "<expires>" + xmlDate(*lock.expirationDate()) + "</expires>\n";
+    out += "</lock>\n";
+}
+
+void appendAttribute(std::string& out, const char* name, std::string_view value)
+{
+    out += "\n   ";
+    out += name;
+    out += "=\"";
+    appendEscaped(out, value, true);
+    out += '"';
+}
+
 // --- One target's walk -------------------------------------------------------------
 
-// The walk's notifications, in order: externals entered, walks completed.
+// Hands the walk's notifications on: externals entered, walks completed.
 class StatusEvents final : public LuSVNNotificationHandler {
 public:
-    struct Event {
-        bool completed;
-        std::string path;
-        std::int32_t revision;
-    };
-    std::vector<Event> events;
+    using Receiver = std::function<void(bool completed, std::string path, std::int32_t revision)>;
+    explicit StatusEvents(Receiver receiver) : receiver_(std::move(receiver)) {}
 
     void contextNotify(LuSVNContext&, const LuSVNNotification& notification) override
     {
         if (notification.action() == LuSVNNotifyActionStatusCompleted)
-            events.push_back({true, {}, notification.revision()});
+            receiver_(true, {}, notification.revision());
         else if (notification.action() == LuSVNNotifyActionStatusExternal && notification.path())
-            events.push_back({false, canonicalDisplayPath(*notification.path()), LuSVNInvalidRevision});
+            receiver_(false, canonicalDisplayPath(*notification.path()), LuSVNInvalidRevision);
     }
+
+private:
+    Receiver receiver_;
 };
 
 enum class LineKind {
     Item,          // a node as the walk reported it
-    ExternalMark,  // the parent's "X" report of an external it walked into
+    ExternalMark,  // the parent's "X" report of an external that is walked later
     ExternalRoot,  // the external's own report of its root
 };
 
@@ -399,16 +413,16 @@ struct Line {
     LineKind kind;
 };
 
-struct Section {
-    std::string root;  // empty for the target's own tree
-    std::vector<Line> lines;
-};
-
 struct ChangelistItem {
-    Line line;
+    std::shared_ptr<LuSVNNode> node;
+    LineKind kind;
     std::string displayPath;
 };
 
+// Prints each node as the walk hands it over; only the items of change lists
+// (printed last, as svn does) are kept. With --aggregates a target's nodes
+// and notifications are kept until its walk ends, when the directories'
+// words are known.
 class StatusPrinter {
 public:
     StatusPrinter(const Settings& settings, Output& output) : settings_(settings), output_(output)
@@ -420,23 +434,51 @@ public:
     int run();
 
 private:
+    // A node, or a notification of the walk: an external entered (path) or
+    // a walk completed.
+    struct Event {
+        std::shared_ptr<LuSVNNode> node;
+        bool completed = false;
+        std::string path;
+        std::int32_t revision = LuSVNInvalidRevision;
+    };
+
     struct Target {
         std::string display;   // as svn shows it
         std::string absolute;  // the walk's form
-        LuSVNNode::Nodes nodes;
-        std::shared_ptr<LuSVNDirectory> root;
-        std::vector<StatusEvents::Event> events;
+        bool started = false;  // its XML or JSON opening is out
+        std::string section;   // the external being walked; empty in the target's own tree
+        bool rootPlaced = false;
+        std::shared_ptr<LuSVNDirectory> root;  // with --aggregates
+        std::unordered_set<std::string> unversionedMarks;
+        std::vector<std::shared_ptr<LuSVNNode>> candidates;  // placeholders perhaps, until the next node
+        std::optional<std::int32_t> against;
+        std::size_t jsonNodes = 0;
     };
 
     std::shared_ptr<LuSVNContext> contextForPath(const std::string& absolute);
-    bool walk(Target& target);
-    std::vector<Section> sections(const Target& target, std::vector<ChangelistItem>& changelists);
+    void walk(Target& target);
+    void receive(Event event);
+    void process(const Event& event);
+    void take(const std::shared_ptr<LuSVNNode>& node);
+    bool withinDepth(const LuSVNNode& node) const;
+    void resolveCandidates(const LuSVNNode* next);
+    void place(const std::shared_ptr<LuSVNNode>& node);
+    void placeRootForAggregates();
+    void enterExternal(const std::string& path);
+    void complete(std::int32_t revision);
+    void startTarget();
+    void finishTarget();
     bool shown(const Line& line) const;
-    void displayPath(const Target& target, const std::string& path, std::string& out) const;
+    void displayPath(const std::string& path, std::string& out) const;
     void printLine(const Line& line, std::string_view path);
     void printXMLEntry(const Line& line, std::string_view path);
-    void printJSON(const std::vector<Target>& targets);
+    void print(const Line& line, std::string_view path);
+    void printChangelists();
     std::string externalHeaderPath(const std::string& path) const;
+    // svn's notifier (external headers, "Status against revision") is off
+    // when quiet without verbose.
+    bool notifies() const { return !settings_.xml && !settings_.json && !settings_.suppressPlaceholders(); }
 
     const Settings& settings_;
     Output& output_;
@@ -444,6 +486,10 @@ private:
     std::map<std::string, std::shared_ptr<LuSVNContext>> contexts_;
     unsigned textConflicts_ = 0, propertyConflicts_ = 0, treeConflicts_ = 0;
     std::string path_;  // reused for each line's path
+    Target* target_ = nullptr;
+    std::vector<Event> kept_;  // with --aggregates, until the walk ends
+    std::vector<ChangelistItem> changelists_;
+    bool firstJSONTarget_ = true;
 };
 
 std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& absolute)
@@ -462,7 +508,7 @@ std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& a
     return context;
 }
 
-bool StatusPrinter::walk(Target& target)
+void StatusPrinter::walk(Target& target)
 {
     const Depth depth = settings_.effectiveDepth();
     LuSVNStatusOptions options;
@@ -480,135 +526,243 @@ bool StatusPrinter::walk(Target& target)
     options.setIncludeConflictVersionFiles(true);
 
     auto context = contextForPath(target.absolute);
-    auto events = std::make_shared<StatusEvents>();
-    context->setNotificationHandler(events);
+    context->setNotificationHandler(std::make_shared<StatusEvents>(
+        [this](bool completed, std::string path, std::int32_t revision) {
+            receive({nullptr, completed, std::move(path), revision});
+        }));
+    target_ = &target;
+    kept_.clear();
     try {
-        target.nodes = LuSVNDirectory::statusForNodesInDirectoryAtPath(
-            LuSVNLocalPath::pathWithString(target.absolute), options, &target.root, nullptr, nullptr, context);
+        LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+            LuSVNLocalPath::pathWithString(target.absolute), options,
+            [this](const std::shared_ptr<LuSVNNode>& node) { receive({node, false, {}, LuSVNInvalidRevision}); }, nullptr, nullptr, context);
     } catch (...) {
         context->setNotificationHandler(nullptr);
         throw;
     }
     context->setNotificationHandler(nullptr);
-    target.events = std::move(events->events);
-
-    // Depth empty and files are cut from an immediates walk.
-    if (depth != Depth::Infinity) {
-        const std::string& root = target.absolute;
-        std::erase_if(target.nodes, [&](const std::shared_ptr<LuSVNNode>& node) {
-            const std::string& path = node->path()->string();
-            if (path == root)
-                return false;
-            if (!isUnder(path, root))
-                return true;
-            const bool child = path.find('/', root.size() + (root.back() == '/' ? 0 : 1)) == std::string::npos;
-            if (!child || depth == Depth::Empty)
-                return true;
-            return depth == Depth::Files && node->isDirectory();
-        });
+    if (settings_.aggregates) {
+        for (const Event& event : kept_)
+            if (event.node && event.node->isDirectory() && event.node->path()->string() == target.absolute)
+                target.root = std::static_pointer_cast<LuSVNDirectory>(event.node);
+        for (const Event& event : kept_)
+            process(event);
+        kept_.clear();
     }
-    return true;
+    finishTarget();
+}
+
+void StatusPrinter::receive(Event event)
+{
+    if (settings_.aggregates)
+        kept_.push_back(std::move(event));
+    else
+        process(event);
+}
+
+void StatusPrinter::process(const Event& event)
+{
+    if (event.node)
+        take(event.node);
+    else if (event.completed)
+        complete(event.revision);
+    else
+        enterExternal(event.path);
+}
+
+// Depth empty and files are cut from an immediates walk.
+bool StatusPrinter::withinDepth(const LuSVNNode& node) const
+{
+    const Depth depth = settings_.effectiveDepth();
+    if (depth == Depth::Infinity)
+        return true;
+    const std::string& root = target_->absolute;
+    const std::string& path = node.path()->string();
+    if (path == root)
+        return true;
+    if (!isUnder(path, root))
+        return false;
+    const bool child = path.find('/', root.size() + (root.back() == '/' ? 0 : 1)) == std::string::npos;
+    if (!child || depth == Depth::Empty)
+        return false;
+    return depth != Depth::Files || !node.isDirectory();
+}
+
+void StatusPrinter::take(const std::shared_ptr<LuSVNNode>& node)
+{
+    if (!withinDepth(*node))
+        return;
+    if (settings_.json) {
+        startTarget();
+        std::string& out = output_.buffer();
+        out += target_->jsonNodes++ ? ",\n" : "\n";
+        out += LuSVNKeyedArchiver::archivedDataWithRootObject(*node);
+        output_.maybeFlush();
+        return;
+    }
+    if (!node->status())
+        return;
+    // A directory marked external without a URL may be a placeholder that
+    // the walk made for the parents of an external: the next node tells.
+    const bool candidate = !settings_.verbose && node->isDirectory() && isExternalMark(*node->status()) &&
+                           !node->URL();
+    resolveCandidates(node.get());
+    if (candidate)
+        target_->candidates.push_back(node);
+    else
+        place(node);
 }
 
 // Whether the walk added the node only to lead to an external below it: such
 // placeholders stand for versioned directories that svn did not report.
-bool isPlaceholder(const LuSVNNode& node, const std::unordered_set<std::string>& externalAncestors,
-                   const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context)
+bool isPlaceholder(const LuSVNNode& node, const std::shared_ptr<LuSVNContext>& context)
 {
-    if (!node.isDirectory() || !isExternalMark(*node.status()) || node.URL() ||
-        !externalAncestors.contains(node.path()->string()))
-        return false;
+    LuSVNStatusOptions options;
+    options.setIncludeNormalFiles(true);
     // Rare (ancestors of externals only): ask what the directory really is.
     const auto real = LuSVNNode::nodeWithStatusAtPath(std::static_pointer_cast<const LuSVNLocalPath>(node.path()),
                                                       options, context);
     return real && real->status() && isVersioned(*real, *real->status());
 }
 
-std::vector<Section> StatusPrinter::sections(const Target& target, std::vector<ChangelistItem>& changelists)
+// The held directories leading to an external mark (`next`) are placeholders
+// when the directory is versioned; the others are shown as they are.
+void StatusPrinter::resolveCandidates(const LuSVNNode* next)
 {
-    std::vector<Section> result(1);
-    std::unordered_map<std::string, std::size_t> sectionOfRoot;
-    for (const auto& event : target.events)
-        if (!event.completed && !sectionOfRoot.contains(event.path)) {
-            sectionOfRoot.emplace(event.path, result.size());
-            result.push_back({event.path, {}});
-        }
-
-    // The section holding a path: that of its innermost walked external.
-    // Externals are few, so a scan beats building each ancestor's path.
-    auto sectionOf = [&](const std::string& path) -> std::size_t {
-        std::size_t best = 0;
-        for (std::size_t section = 1; section < result.size(); ++section) {
-            const std::string& root = result[section].root;
-            if ((path == root || isUnder(path, root)) && (best == 0 || root.size() > result[best].root.size()))
-                best = section;
-        }
-        return best;
-    };
-
-    std::unordered_set<std::string> unversionedMarks, externalAncestors;
-    for (const auto& node : target.nodes)
-        if (node->status() && isExternalMark(*node->status())) {
-            if (!node->URL())
-                unversionedMarks.insert(node->path()->string());
-            for (std::string parent = parentPath(node->path()->string()); isUnder(parent, target.absolute);
-                 parent = parentPath(parent))
-                externalAncestors.insert(parent);
-        }
-
-    std::shared_ptr<LuSVNContext> context;
-    LuSVNStatusOptions placeholderOptions;
-    placeholderOptions.setIncludeNormalFiles(true);
-
-    auto add = [&](std::size_t section, Line line) {
-        if (line.node->status()->changelist() && line.kind == LineKind::Item) {
-            ChangelistItem item{line, {}};
-            displayPath(target, line.node->path()->string(), item.displayPath);
-            changelists.push_back(std::move(item));
-            return;
-        }
-        result[section].lines.push_back(line);
-    };
-    for (const auto& node : target.nodes) {
-        if (!node->status())
-            continue;
-        const std::string& path = node->path()->string();
-        const LuSVNStatus& status = *node->status();
-        if (isExternalMark(status) && !settings_.verbose && externalAncestors.contains(path)) {
-            if (!context)
-                context = contextForPath(target.absolute);
-            if (isPlaceholder(*node, externalAncestors, placeholderOptions, context))
-                continue;
-        }
-        const auto walked = sectionOfRoot.find(path);
-        if (isExternalMark(status) && walked != sectionOfRoot.end()) {
-            // One node stands for two reports: the parent's mark and the
-            // external's root. svn shows the mark only from a versioned parent.
-            const std::string parent = parentPath(path);
-            if (path != target.absolute && !unversionedMarks.contains(parent)) {
-                Section& outer = result[sectionOf(parent)];
-                const Line mark{node.get(), LineKind::ExternalMark};
-                // The walk without -u reports in path order; keep that order.
-                auto position = outer.lines.end();
-                if (!settings_.update)
-                    position = std::find_if(outer.lines.begin(), outer.lines.end(), [&](const Line& line) {
-                        return pathLess(path, line.node->path()->string());
-                    });
-                outer.lines.insert(position, mark);
-            }
-            add(walked->second, {node.get(), LineKind::ExternalRoot});
-        } else if (isExternalMark(status) && path == target.absolute && node->URL()) {
-            // A walk started inside an external: its root is a plain item there.
-            add(0, {node.get(), LineKind::ExternalRoot});
-        } else {
-            add(sectionOf(path), {node.get(), LineKind::Item});
-        }
+    if (target_->candidates.empty())
+        return;
+    const bool nextIsMark = next && next->status() && isExternalMark(*next->status());
+    auto candidates = std::move(target_->candidates);
+    target_->candidates.clear();
+    for (const auto& candidate : candidates) {
+        const bool leads = nextIsMark && isUnder(next->path()->string(), candidate->path()->string());
+        if (!leads || !isPlaceholder(*candidate, contextForPath(target_->absolute)))
+            place(candidate);
     }
-    return result;
 }
 
-void StatusPrinter::displayPath(const Target& target, const std::string& path, std::string& out) const
+void StatusPrinter::place(const std::shared_ptr<LuSVNNode>& node)
 {
+    const std::string& path = node->path()->string();
+    const LuSVNStatus& status = *node->status();
+    LineKind kind = LineKind::Item;
+    if (isExternalMark(status)) {
+        if (path == target_->section || (path == target_->absolute && node->URL())) {
+            // The external's own report of its root (also a walk started
+            // inside an external).
+            kind = LineKind::ExternalRoot;
+        } else if (target_->section.empty() && settings_.effectiveDepth() == Depth::Infinity &&
+                   !settings_.ignoreExternals && path != target_->absolute) {
+            if (!node->URL())
+                target_->unversionedMarks.insert(path);
+            // The external is walked later; svn shows its mark only from a
+            // versioned parent.
+            if (target_->unversionedMarks.contains(parentPath(path)))
+                return;
+            kind = LineKind::ExternalMark;
+        }
+    }
+    if (path == target_->absolute && target_->section.empty())
+        target_->rootPlaced = true;
+    if (kind == LineKind::Item && status.changelist()) {
+        ChangelistItem item{node, kind, {}};
+        displayPath(path, item.displayPath);
+        changelists_.push_back(std::move(item));
+        return;
+    }
+    const Line line{node.get(), kind};
+    if (!shown(line))
+        return;
+    displayPath(path, path_);
+    print(line, path_);
+}
+
+// With --aggregates the root always shows, to carry its words, after the
+// target's own tree.
+void StatusPrinter::placeRootForAggregates()
+{
+    if (!settings_.aggregates || settings_.xml || !target_->root || target_->rootPlaced)
+        return;
+    target_->rootPlaced = true;
+    displayPath(target_->root->path()->string(), path_);
+    printLine({target_->root.get(), LineKind::Item}, path_);
+}
+
+void StatusPrinter::enterExternal(const std::string& path)
+{
+    resolveCandidates(nullptr);
+    placeRootForAggregates();
+    target_->section = path;
+    if (notifies()) {
+        std::string& out = output_.buffer();
+        out += "\nPerforming status on external item at '";
+        out += externalHeaderPath(path);
+        out += "':\n";
+    }
+}
+
+void StatusPrinter::complete(std::int32_t revision)
+{
+    resolveCandidates(nullptr);
+    if (!target_->against)
+        target_->against = revision;
+    if (notifies() && revision != LuSVNInvalidRevision) {
+        char text[64];
+        std::snprintf(text, sizeof text, "Status against revision: %6d\n", revision);
+        output_.buffer() += text;
+    }
+}
+
+void StatusPrinter::startTarget()
+{
+    if (target_->started)
+        return;
+    target_->started = true;
+    std::string& out = output_.buffer();
+    const std::string& display = target_->display.empty() ? std::string(".") : target_->display;
+    if (settings_.xml) {
+        out += "<target";
+        appendAttribute(out, "path", display);
+        out += ">\n";
+    } else if (settings_.json) {
+        out += firstJSONTarget_ ? "\n{\"target\":" : ",\n{\"target\":";
+        firstJSONTarget_ = false;
+        appendJSONString(out, display);
+        out += ",\"path\":";
+        appendJSONString(out, target_->absolute);
+        out += ",\"nodes\":[";
+    }
+}
+
+void StatusPrinter::finishTarget()
+{
+    resolveCandidates(nullptr);
+    placeRootForAggregates();
+    startTarget();
+    std::string& out = output_.buffer();
+    const bool against = target_->against && *target_->against != LuSVNInvalidRevision;
+    if (settings_.xml) {
+        if (against) {
+            out += "<against";
+            std::string revision;
+            appendNumber(revision, *target_->against);
+            appendAttribute(out, "revision", revision);
+            out += "/>\n";
+        }
+        out += "</target>\n";
+    } else if (settings_.json) {
+        out += ']';
+        if (target_->against) {
+            out += ",\"againstRevision\":";
+            appendNumber(out, *target_->against);
+        }
+        out += '}';
+    }
+}
+
+void StatusPrinter::displayPath(const std::string& path, std::string& out) const
+{
+    const Target& target = *target_;
     out.clear();
     if (path == target.absolute) {
         out = target.display.empty() ? "." : target.display;
@@ -752,34 +906,6 @@ void StatusPrinter::printLine(const Line& line, std::string_view path)
     output_.maybeFlush();
 }
 
-void appendXMLLock(std::string& out, const LuSVNLock& lock)
-{
-    out += "<lock>\n<token>";
-    appendEscaped(out, lock.token(), false);
-    out += "</token>\n<owner>";
-    appendEscaped(out, lock.owner(), false);
-    out += "</owner>\n";
-    if (lock.comment()) {
-        out += "<comment>";
-        appendEscaped(out, *lock.comment(), false);
-        out += "</comment>\n";
-    }
-    if (lock.creationDate())
-        out += "<created>" + xmlDate(*lock.creationDate()) + "</created>\n";
-    if (lock.expirationDate())
-        out += "<expires>" + xmlDate(*lock.expirationDate()) + "</expires>\n";
-    out += "</lock>\n";
-}
-
-void appendAttribute(std::string& out, const char* name, std::string_view value)
-{
-    out += "\n   ";
-    out += name;
-    out += "=\"";
-    appendEscaped(out, value, true);
-    out += '"';
-}
-
 void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
 {
     const LuSVNNode& node = *line.node;
@@ -850,39 +976,52 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
     output_.maybeFlush();
 }
 
-void StatusPrinter::printJSON(const std::vector<Target>& targets)
+void StatusPrinter::print(const Line& line, std::string_view path)
 {
+    if (settings_.xml)
+        printXMLEntry(line, path);
+    else
+        printLine(line, path);
+}
+
+// Items of change lists come last, grouped by list.
+void StatusPrinter::printChangelists()
+{
+    std::stable_sort(changelists_.begin(), changelists_.end(), [](const ChangelistItem& a, const ChangelistItem& b) {
+        return *a.node->status()->changelist() < *b.node->status()->changelist();
+    });
     std::string& out = output_.buffer();
-    out += "{\"targets\":[";
-    bool firstTarget = true;
-    for (const auto& target : targets) {
-        out += firstTarget ? "\n{\"target\":" : ",\n{\"target\":";
-        firstTarget = false;
-        appendJSONString(out, target.display.empty() ? "." : target.display);
-        out += ",\"path\":";
-        appendJSONString(out, target.absolute);
-        for (const auto& event : target.events)
-            if (event.completed) {
-                out += ",\"againstRevision\":";
-                appendNumber(out, event.revision);
-                break;
+    const std::string* current = nullptr;
+    for (const auto& item : changelists_) {
+        const Line line{item.node.get(), item.kind};
+        if (!shown(line))
+            continue;
+        const std::string& name = *item.node->status()->changelist();
+        if (!current || *current != name) {
+            if (settings_.xml) {
+                if (current)
+                    out += "</changelist>\n";
+                out += "<changelist";
+                appendAttribute(out, "name", name);
+                out += ">\n";
+            } else {
+                out += "\n--- Changelist '" + name + "':\n";
             }
-        out += ",\"nodes\":[";
-        bool first = true;
-        for (const auto& node : target.nodes) {
-            out += first ? "\n" : ",\n";
-            first = false;
-            out += LuSVNKeyedArchiver::archivedDataWithRootObject(*node);
-            output_.maybeFlush();
+            current = &name;
         }
-        out += "]}";
+        print(line, item.displayPath);
     }
-    out += "]}\n";
+    if (settings_.xml && current)
+        out += "</changelist>\n";
 }
 
 int StatusPrinter::run()
 {
-    std::vector<Target> targets;
+    std::string& out = output_.buffer();
+    if (settings_.xml)
+        out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<status>\n";
+    else if (settings_.json)
+        out += "{\"targets\":[";
     for (const std::string& argument : settings_.targets) {
         Target target;
         target.display = canonicalDisplayPath(argument);
@@ -905,127 +1044,31 @@ int StatusPrinter::run()
                              target.absolute.c_str());
             else
                 std::fprintf(stderr, "tessera: warning: W%d: %s\n", code, e.reason().c_str());
-            continue;
         }
-        targets.push_back(std::move(target));
+        target_ = nullptr;
     }
 
     if (settings_.json) {
-        printJSON(targets);
-        return 0;
-    }
-
-    std::string& out = output_.buffer();
-    if (settings_.xml)
-        out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<status>\n";
-    // svn's notifier (external headers, "Status against revision") is off
-    // when quiet without verbose.
-    const bool notify = !settings_.xml && !settings_.suppressPlaceholders();
-    std::vector<ChangelistItem> changelists;
-    for (const auto& target : targets) {
+        out += "]}\n";
+    } else {
+        printChangelists();
         if (settings_.xml) {
-            out += "<target";
-            appendAttribute(out, "path", target.display.empty() ? "." : target.display);
-            out += ">\n";
-        }
-        auto printSection = [&](const Section& section) {
-            for (const Line& line : section.lines) {
-                if (!shown(line))
-                    continue;
-                displayPath(target, line.node->path()->string(), path_);
-                if (settings_.xml)
-                    printXMLEntry(line, path_);
-                else
-                    printLine(line, path_);
+            out += "</status>\n";
+        } else if (!settings_.quiet && (textConflicts_ || propertyConflicts_ || treeConflicts_)) {
+            out += "Summary of conflicts:\n";
+            char text[64];
+            if (textConflicts_) {
+                std::snprintf(text, sizeof text, "  Text conflicts: %u\n", textConflicts_);
+                out += text;
             }
-        };
-        const std::vector<Section> sections = this->sections(target, changelists);
-        printSection(sections[0]);
-        // With --aggregates the root always shows, to carry its words.
-        if (settings_.aggregates && !settings_.xml && target.root &&
-            std::none_of(sections[0].lines.begin(), sections[0].lines.end(),
-                         [&](const Line& line) { return line.node == target.root.get(); })) {
-            displayPath(target, target.root->path()->string(), path_);
-            printLine({target.root.get(), LineKind::Item}, path_);
-        }
-        std::size_t nextSection = 1;
-        std::optional<std::int32_t> against;
-        for (const auto& event : target.events) {
-            if (event.completed) {
-                if (!against)
-                    against = event.revision;
-                if (notify && event.revision != LuSVNInvalidRevision) {
-                    char text[64];
-                    std::snprintf(text, sizeof text, "Status against revision: %6d\n", event.revision);
-                    out += text;
-                }
-            } else if (nextSection < sections.size() && sections[nextSection].root == event.path) {
-                if (notify) {
-                    out += "\nPerforming status on external item at '";
-                    out += externalHeaderPath(event.path);
-                    out += "':\n";
-                }
-                printSection(sections[nextSection++]);
+            if (propertyConflicts_) {
+                std::snprintf(text, sizeof text, "  Property conflicts: %u\n", propertyConflicts_);
+                out += text;
             }
-        }
-        for (; nextSection < sections.size(); ++nextSection)
-            printSection(sections[nextSection]);
-        if (settings_.xml) {
-            if (against && *against != LuSVNInvalidRevision) {
-                out += "<against";
-                std::string revision;
-                appendNumber(revision, *against);
-                appendAttribute(out, "revision", revision);
-                out += "/>\n";
+            if (treeConflicts_) {
+                std::snprintf(text, sizeof text, "  Tree conflicts: %u\n", treeConflicts_);
+                out += text;
             }
-            out += "</target>\n";
-        }
-    }
-
-    // Items of change lists come last, grouped by list.
-    std::stable_sort(changelists.begin(), changelists.end(), [](const ChangelistItem& a, const ChangelistItem& b) {
-        return *a.line.node->status()->changelist() < *b.line.node->status()->changelist();
-    });
-    const std::string* current = nullptr;
-    for (const auto& item : changelists) {
-        if (!shown(item.line))
-            continue;
-        const std::string& name = *item.line.node->status()->changelist();
-        if (!current || *current != name) {
-            if (settings_.xml) {
-                if (current)
-                    out += "</changelist>\n";
-                out += "<changelist";
-                appendAttribute(out, "name", name);
-                out += ">\n";
-            } else {
-                out += "\n--- Changelist '" + name + "':\n";
-            }
-            current = &name;
-        }
-        if (settings_.xml)
-            printXMLEntry(item.line, item.displayPath);
-        else
-            printLine(item.line, item.displayPath);
-    }
-    if (settings_.xml) {
-        if (current)
-            out += "</changelist>\n";
-        out += "</status>\n";
-    } else if (!settings_.quiet && (textConflicts_ || propertyConflicts_ || treeConflicts_)) {
-        out += "Summary of conflicts:\n";
-        char text[64];
-        if (textConflicts_) {
-            std::snprintf(text, sizeof text, "  Text conflicts: %u\n", textConflicts_);
-            out += text;
-        }
-        if (propertyConflicts_) {
-            std::snprintf(text, sizeof text, "  Property conflicts: %u\n", propertyConflicts_);
-            out += text;
-        }
-        if (treeConflicts_) {
-            std::snprintf(text, sizeof text, "  Tree conflicts: %u\n", treeConflicts_);
-            out += text;
         }
     }
     output_.flush();
