@@ -112,7 +112,7 @@ void LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(const LocalPath& path
         baton.rootOnly = !options.recursive();
     }
     LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool(),
-                      &baton.externals);
+                      &baton.externals, &baton.moves);
 
     if (localChangeCount) {
         std::uint32_t extraFiles = 0;
@@ -303,6 +303,7 @@ struct NodeStatusBaton {
     std::string target;
     LuSVNPathStrings externals;
     std::shared_ptr<LuSVNNode> node;
+    LuSVNStatusMoves moves;
     std::exception_ptr pending;
 };
 
@@ -318,6 +319,7 @@ void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* st
         if ((!status->entry || status->entry->kind == svn_node_dir) && collector->externals.contains(collector->target))
             status->text_status = svn_wc_status_external;
         collector->node = LuSVNNode::nodeAtPath(itemPath, status, collector->context);
+        LuSVNStatusSetMoves(*collector->node->status(), collector->moves);
     } catch (...) {
         collector->pending = std::current_exception();
     }
@@ -363,12 +365,13 @@ std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& path
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", path->string()},
                 {"options", options.description()}, {"context", context->description()});
-    NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, nullptr};
+    NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, {}, nullptr};
     LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
     call.itemOnly = true;
     call.getAll = true;
     LuSVNBackendFrame frame(context->bundle());
-    LuSVNReportStatus(*context, path, options, call, LuTesseraNodeStatusFunc, &baton, baton.pending, frame.pool());
+    LuSVNReportStatus(*context, path, options, call, LuTesseraNodeStatusFunc, &baton, baton.pending, frame.pool(),
+                      nullptr, &baton.moves);
     return baton.node;
 }
 

@@ -23,6 +23,18 @@
 
 using LuSVNPathStrings = std::unordered_set<std::string>;
 
+/// The two ends of a move of the record being handed over, for which the
+/// older record form has no room: set by the dispatch of backends 1.7 and
+/// later for the duration of one callback (absolute paths or null), null
+/// otherwise.
+struct LuSVNStatusMoves {
+    const char* movedFrom = nullptr;
+    const char* movedTo = nullptr;
+};
+
+/// Puts the moves on a status made from the record they came with.
+void LuSVNStatusSetMoves(LuSVNStatus& status, const LuSVNStatusMoves& moves);
+
 /// One walk's state; lives on the walking thread's stack for one backend call.
 /// Nodes go to the handler as they are made; the walk keeps path texts only,
 /// and the directory nodes when their aggregates are asked for.
@@ -48,6 +60,7 @@ struct LuSVNStatusBaton {
     LuSVNPathStrings unversionedPaths;
     LuSVNDirectory::StatiiByPath statii;
     LuSVNDirectory::StatiiByPath repositoryStatii;
+    LuSVNStatusMoves moves;
     std::exception_ptr pending;
 
     LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
@@ -97,7 +110,9 @@ struct LuSVNStatusCall {
 /// walks, before any item of it is handed over: Subversion announces each
 /// (svn_wc_notify_status_external) to the context's notification function,
 /// which the call wraps for its duration. Reading the definitions of the
-/// whole tree instead would cost a tenth of the walk.
+/// whole tree instead would cost a tenth of the walk. `moves`, when given,
+/// holds the moves of each record while `func` runs.
 void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
                        const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
-                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals = nullptr);
+                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals = nullptr,
+                       LuSVNStatusMoves* moves = nullptr);

@@ -117,6 +117,7 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
     if (!options.includeConflictVersionFiles() && baton.conflictFiles.contains(key))
         return;
     const auto node = baton.maker.nodeAtPath(path, status);
+    LuSVNStatusSetMoves(*node->status(), baton.moves);
     if (node->isDirectory())
         enterDirectory(std::static_pointer_cast<LuSVNDirectory>(node), baton);
     (*baton.handler)(node);
@@ -128,6 +129,7 @@ struct ClientStatusForward {
     void* baton;
     svn_client_ctx_t* ctx;
     std::exception_ptr* pending;
+    LuSVNStatusMoves* moves;
 };
 
 svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_client_status_t* status,
@@ -140,8 +142,12 @@ svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_clie
         LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
         if (svn_error_t* error = LuSVNClientStatusToWCStatus(
                 forward->ctx, path, status, pool,
-                [forward](const char* itemPath, svn_wc_status2_t* record) {
+                [forward, status](const char* itemPath, svn_wc_status2_t* record) {
+                    if (forward->moves)
+                        *forward->moves = {status->moved_from_abspath, status->moved_to_abspath};
                     forward->func(forward->baton, itemPath, record);
+                    if (forward->moves)
+                        *forward->moves = {};
                 }))
             return error;
         // The handler keeps its exceptions; stop the walk at the first.
@@ -218,6 +224,14 @@ void LuSVNStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
     }
 }
 
+void LuSVNStatusSetMoves(LuSVNStatus& status, const LuSVNStatusMoves& moves)
+{
+    if (moves.movedFrom)
+        status.setMovedFromPath(std::string(moves.movedFrom));
+    if (moves.movedTo)
+        status.setMovedToPath(std::string(moves.movedTo));
+}
+
 bool LuSVNStatusAggregate(std::uint32_t a, std::uint32_t b, std::uint32_t* aggregate)
 {
     LUSVN_PARAMETER_ASSERT(aggregate != nullptr, "aggregate != NULL");
@@ -265,7 +279,8 @@ LuSVNStatusCall LuSVNStatusCall::withOptions(const LuSVNStatusOptions& options)
 
 void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
                        const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
-                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals)
+                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals,
+                       LuSVNStatusMoves* moves)
 {
     std::optional<ExternalsListener> listener;
     if (externals)
@@ -276,7 +291,7 @@ void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, 
     if (context.bundleVersion()->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())) {
         const svn_depth_t depth =
             call.itemOnly ? svn_depth_empty : call.recursive ? svn_depth_infinity : svn_depth_immediates;
-        ClientStatusForward forward{func, baton, context.ctx(), &pending};
+        ClientStatusForward forward{func, baton, context.ctx(), &pending, moves};
         // Depth not sticky, as the svn client asks: compared against the
         // repository, a sparse directory does not report what it never fetched.
         error = LuSVNEntry<70>()(nullptr, context.ctx(), target, &revision, depth, call.getAll, call.update,

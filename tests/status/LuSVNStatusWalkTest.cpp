@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 
 #include "StatusFixture.h"
 
@@ -332,6 +333,55 @@ TEST_F(StatusWalk, HandlerExceptionStopsTheStream)
                      LuSVNLocalPath::pathWithString(fixture->workingCopy()), LuSVNStatusOptions(), nullptr,
                      nullptr, nullptr, contextFor(nullptr)),
                  LuSVNInternalInconsistencyException);
+}
+
+// Moves of a file, a directory, a file inside the moved directory and two
+// files that swapped places carry svn's moved-from and moved-to paths (svn
+// shows them absolute for an absolute target); the older interface has no
+// room for them.
+TEST_F(StatusWalk, MovesAsSvnShowsThem)
+{
+    tessera_test::TemporaryDirectory directory;
+    const std::string url = tessera_test::makeRepository(directory / "repo");
+    ASSERT_EQ(tessera_test::svn({"mkdir", "-q", "-m", "tree", "--parents", url + "/a/b/c", url + "/d"}).status, 0);
+    const std::string wc = directory / "wc";
+    tessera_test::checkout(url, wc);
+    for (const char* name : {"a/one", "a/two", "a/three", "a/b/in b"})
+        tessera_test::writeFile(wc + "/" + name, name);
+    const std::vector<std::vector<std::string>> commands = {
+        {"add", "-q", wc + "/a/one", wc + "/a/two", wc + "/a/three", wc + "/a/b/in b"},
+        {"commit", "-q", "-m", "files", wc},
+        {"update", "-q", wc},
+        {"move", "-q", wc + "/a/one", wc + "/d/one moved"},
+        {"move", "-q", wc + "/a/b", wc + "/d/b"},
+        {"move", "-q", wc + "/d/b/in b", wc + "/d/b/c/in c"},
+        {"move", "-q", wc + "/a/two", wc + "/a/swap"},
+        {"move", "-q", wc + "/a/three", wc + "/a/two"},
+        {"move", "-q", wc + "/a/swap", wc + "/a/three"},
+    };
+    for (const auto& command : commands)
+        ASSERT_EQ(tessera_test::svn(command).status, 0) << command.front();
+
+    std::map<std::string, std::pair<std::string, std::string>> expected;
+    for (const ClientEntry& entry : clientStatusReport(wc, {}))
+        if (!entry.status.movedFrom.empty() || !entry.status.movedTo.empty())
+            expected[entry.path] = {entry.status.movedFrom, entry.status.movedTo};
+    ASSERT_EQ(expected.size(), 8u);  // both ends of one, b and in b; two and three
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_6_23}) {
+        SCOPED_TRACE(bundle ? bundle : "newest");
+        std::map<std::string, std::pair<std::string, std::string>> moves;
+        for (const auto& node : stream(wc, LuSVNStatusOptions(), contextFor(bundle)).nodes) {
+            const LuSVNStatus& status = *node->status();
+            if (status.movedFromPath() || status.movedToPath())
+                moves[node->path()->string()] = {status.movedFromPath().value_or(""),
+                                                 status.movedToPath().value_or("")};
+        }
+        EXPECT_EQ(moves, bundle ? decltype(moves){} : expected);
+    }
+    const auto node = LuSVNNode::nodeWithStatusAtPath(LuSVNLocalPath::pathWithString(wc + "/d/b"),
+                                                      LuSVNStatusOptions(), contextFor(nullptr));
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->status()->movedFromPath(), wc + "/a/b");
 }
 
 // The single-item queries agree with svn status --depth empty of the item.

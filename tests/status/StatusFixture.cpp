@@ -152,6 +152,10 @@ std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::
                 status.treeConflicted = value == "true";
             else if (name == "revision")
                 status.revision = std::stol(value);
+            else if (name == "moved-from")
+                status.movedFrom = value;
+            else if (name == "moved-to")
+                status.movedTo = value;
         }
         status.locked = (*match)[3].str().find("<lock>") != std::string::npos;
         const std::string repository = (*match)[5];

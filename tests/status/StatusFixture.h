@@ -80,6 +80,9 @@ struct ClientStatus {
     // With -u: the repository's kinds, "none" where svn shows no repos-status.
     std::string reposItem = "none";
     std::string reposProps = "none";
+    // The other ends of a move, as svn shows them; empty where svn shows none.
+    std::string movedFrom;
+    std::string movedTo;
 };
 
 /// One entry of `svn status --xml`, in svn's order; a path that svn reports

@@ -118,6 +118,9 @@ for options in "" "-v" "-u" "-vu --no-ignore" "-q"; do
     fail "--xml $options: entries differ"
     diff -u "$work/expected" "$work/actual" | sed 's/^/    /' || true
   fi
+  # The elements in svn's order: entries inside their target.
+  skeleton() { grep -o -e '<status' -e '</status>' -e '<target' -e '</target>' -e '<entry' -e '<against' -e '<changelist' "$1" | tr '\n' ' '; }
+  [ "$(skeleton "$work/svn.xml")" = "$(skeleton "$work/tessera.xml")" ] && pass || fail "--xml $options: element order"
   for element in '<against' '<changelist' '<target'; do
     [ "$(grep -c "$element" "$work/svn.xml")" = "$(grep -c "$element" "$work/tessera.xml")" ] && pass ||
       fail "--xml $options: count of $element"
@@ -149,6 +152,64 @@ check_json locked-elsewhere.txt .status.repositoryLock.owner '"bob"'
 check_json outdated.txt .status.repositoryTextStatus 64
 check_json treedel.txt .status.treeConflict.reason 2
 [ "$(printf '%s\n' "$json" | jq '.targets[0].againstRevision')" = 4 ] && pass || fail "--json: againstRevision"
+
+# Moves of every kind, in a working copy of their own: a file, a directory,
+# a move inside a moved directory, names with spaces, two files that swapped
+# places, and broken moves (source replaced, destination deleted). The
+# lines and attributes must be svn's from inside and outside the targets.
+moves="$work/moves"
+"$svnadmin" create "$moves-repo"
+"$svn" mkdir -q -m tree --config-dir "$config" --parents "file://$moves-repo/a/b/c" "file://$moves-repo/d" \
+  "file://$moves-repo/e f"
+"$svn" checkout -q --config-dir "$config" "file://$moves-repo" "$moves"
+for name in f1 f2 f3 "sp ace" gone back; do echo "$name" > "$moves/a/$name"; echo "$name" > "$moves/a/b/g $name"; done
+"$svn" add -q --force --config-dir "$config" "$moves/a"
+"$svn" commit -q -m files --config-dir "$config" "$moves"
+"$svn" update -q --config-dir "$config" "$moves"
+(
+  cd "$moves"
+  "$svn" move -q --config-dir "$config" a/f1 d/f1-moved                       # a file
+  "$svn" move -q --config-dir "$config" a/b "e f/b moved"                     # a directory
+  "$svn" move -q --config-dir "$config" "e f/b moved/g f2" "e f/b moved/c/g f2 x"  # inside the moved one
+  "$svn" move -q --config-dir "$config" "a/sp ace" "d/sp ace 2"               # spaces
+  "$svn" move -q --config-dir "$config" a/f2 a/tmp                            # swapped places
+  "$svn" move -q --config-dir "$config" a/f3 a/f2
+  "$svn" move -q --config-dir "$config" a/tmp a/f3
+  "$svn" move -q --config-dir "$config" a/gone d/gone-moved                   # destination deleted
+  "$svn" delete -q --force --config-dir "$config" d/gone-moved
+  "$svn" move -q --config-dir "$config" a/back d/back-moved                   # source replaced
+  echo new > a/back
+  "$svn" add -q --config-dir "$config" a/back
+)
+# (-v and -u read the revisions of deleted items, which is another fault.)
+for options in "" "-q" "--depth immediates"; do
+  compare "$work" "$options" moves
+  compare "$moves/d" "$options" ..
+  compare "$moves/d" "$options" ../a
+  compare "$moves/d" "$options"
+  compare "$moves" "$options" "e f/b moved" d
+  compare "$work" "$options" "$moves/a"
+done
+# Each entry's path and move attributes.
+moved_attributes() {
+  tr '\n' ' ' | sed -e 's/<entry/\n<entry/g' | grep '^<entry' | while IFS= read -r entry; do
+    printf '%s\n' "$entry" | grep -o -e ' path="[^"]*"' -e 'moved-[a-z]*="[^"]*"' | LC_ALL=C sort | tr '\n' ' '; echo
+  done | LC_ALL=C sort
+}
+for target in "$moves" "$moves/d" "$moves/e f" .; do
+  (cd "$moves/d" && "$tessera" status --config-dir "$config" --xml "$target") > "$work/tessera.xml"
+  (cd "$moves/d" && "$svn" status --config-dir "$config" --xml "$target") > "$work/svn.xml"
+  moved_attributes < "$work/svn.xml" > "$work/expected"
+  moved_attributes < "$work/tessera.xml" > "$work/actual"
+  if grep -q moved- "$work/expected" && cmp -s "$work/expected" "$work/actual"; then pass; else
+    fail "--xml $target: moved entries differ"
+    diff -u "$work/expected" "$work/actual" | sed 's/^/    /' || true
+  fi
+done
+json="$("$tessera" status --config-dir "$config" --json "$moves")"
+moved() { printf '%s\n' "$json" | jq -r ".targets[0].nodes[] | select(.path.path == \"$moves/$1\") | .status.$2"; }
+[ "$(moved d/f1-moved movedFromPath)" = "$moves/a/f1" ] && pass || fail "--json: movedFromPath $(moved d/f1-moved movedFromPath)"
+[ "$(moved a/f1 movedToPath)" = "$moves/d/f1-moved" ] && pass || fail "--json: movedToPath $(moved a/f1 movedToPath)"
 
 # Arguments and targets that are not working copies.
 status=0

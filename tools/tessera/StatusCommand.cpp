@@ -471,6 +471,8 @@ private:
     void finishTarget();
     bool shown(const Line& line) const;
     void displayPath(const std::string& path, std::string& out) const;
+    std::string movePath(const std::string& path) const;
+    void appendMoveLines(const LuSVNStatus& status, std::string& out) const;
     void printLine(const Line& line, std::string_view path);
     void printXMLEntry(const Line& line, std::string_view path);
     void print(const Line& line, std::string_view path);
@@ -775,6 +777,48 @@ void StatusPrinter::displayPath(const std::string& path, std::string& out) const
     out.append(path, skip, std::string::npos);
 }
 
+// The other end of a move as svn shows it: below the target as the target's
+// items are shown, elsewhere with ".." from the target.
+std::string StatusPrinter::movePath(const std::string& path) const
+{
+    const std::string& target = target_->absolute;
+    if (path == target || isUnder(path, target)) {
+        const std::string& display = target_->display;
+        if (path == target)
+            return display;
+        const std::string below = path.substr(target.size() + (target.back() == '/' ? 0 : 1));
+        return display.empty() ? below : display + (display.back() == '/' ? "" : "/") + below;
+    }
+    std::string common = target;
+    std::string up;
+    while (!common.empty() && common != "/" && !isUnder(path, common)) {
+        common = parentPath(common);
+        up += up.empty() ? ".." : "/..";
+    }
+    return up + "/" + path.substr(common.size() + (common.back() == '/' ? 0 : 1));
+}
+
+// svn's lines under an item that was moved: where it went, where it came
+// from, or whom it swapped places with.
+void StatusPrinter::appendMoveLines(const LuSVNStatus& status, std::string& out) const
+{
+    const auto& from = status.movedFromPath();
+    const auto& to = status.movedToPath();
+    if (from && to && *from == *to) {
+        out += "\n        > swapped places with ";
+        out += movePath(*from);
+        return;
+    }
+    if (to) {
+        out += "\n        > moved to ";
+        out += movePath(*to);
+    }
+    if (from) {
+        out += "\n        > moved from ";
+        out += movePath(*from);
+    }
+}
+
 // The "Performing status on external item" path: relative to the current
 // directory when below it, as svn shows it.
 std::string StatusPrinter::externalHeaderPath(const std::string& path) const
@@ -878,6 +922,8 @@ void StatusPrinter::printLine(const Line& line, std::string_view path)
         out += ' ';
     }
     out.append(path);
+    if (!mark)
+        appendMoveLines(status, out);
     if (conflict) {
         out += "\n      >   ";
         out += treeConflictDescription(*conflict);
@@ -939,6 +985,10 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
             appendAttribute(out, "file-external", "true");
         if (status.treeConflict())
             appendAttribute(out, "tree-conflicted", "true");
+        if (status.movedFromPath())
+            appendAttribute(out, "moved-from", movePath(*status.movedFromPath()));
+        if (status.movedToPath())
+            appendAttribute(out, "moved-to", movePath(*status.movedToPath()));
     }
     out += ">\n";
     // An item new in the repository carries the repository's last change,
@@ -978,6 +1028,8 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
 
 void StatusPrinter::print(const Line& line, std::string_view path)
 {
+    if (target_)
+        startTarget();
     if (settings_.xml)
         printXMLEntry(line, path);
     else
