@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -319,8 +320,9 @@ void RawMemory(benchmark::State& state)
 // --- Whole programs ------------------------------------------------------------
 
 // Runs the program with its output on /dev/null and returns its exit status;
-// adds its processor time (user and system, seconds) to `cpu`.
-int run(const std::vector<std::string>& arguments, double* cpu = nullptr)
+// adds its processor time (user and system, seconds) to `cpu` and keeps the
+// larger of `peak` and its peak resident memory (KiB).
+int run(const std::vector<std::string>& arguments, double* cpu = nullptr, long* peak = nullptr)
 {
     std::vector<char*> argv;
     for (const std::string& argument : arguments)
@@ -340,6 +342,8 @@ int run(const std::vector<std::string>& arguments, double* cpu = nullptr)
     if (cpu != nullptr)
         *cpu += static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
                 static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    if (peak != nullptr)
+        *peak = std::max(*peak, usage.ru_maxrss);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
@@ -348,14 +352,16 @@ int run(const std::vector<std::string>& arguments, double* cpu = nullptr)
 void Program(benchmark::State& state, const std::vector<std::string>& arguments)
 {
     double cpu = 0;
+    long peak = 0;
     for (auto _ : state) {
-        if (run(arguments, &cpu) != 0) {
+        if (run(arguments, &cpu, &peak) != 0) {
             state.SkipWithError((arguments[0] + " failed").c_str());
             break;
         }
     }
     state.counters["child_cpu_ms"] =
         benchmark::Counter(cpu * 1000, benchmark::Counter::kAvgIterations);
+    state.counters["child_peak_kib"] = static_cast<double>(peak);
 }
 
 std::string svnProgram()
@@ -364,18 +370,39 @@ std::string svnProgram()
     return svn != nullptr ? svn : "svn";
 }
 
-void SvnStatus(benchmark::State& state, bool verbose)
+// The targets of a status run: the working copy, or (`files`) that many of
+// its files, the first in path order, one argument each.
+std::vector<std::string> targets(std::size_t files)
+{
+    const Fixture& f = fixture();
+    if (files == 0)
+        return {f.workingCopy};
+    std::vector<std::string> found;
+    for (auto entry = fs::recursive_directory_iterator(f.workingCopy); entry != fs::recursive_directory_iterator();
+         ++entry) {
+        if (entry->path().filename() == ".svn")
+            entry.disable_recursion_pending();
+        else if (entry->is_regular_file())
+            found.push_back(entry->path().string());
+    }
+    std::sort(found.begin(), found.end());
+    found.resize(std::min(files, found.size()));
+    return found;
+}
+
+void SvnStatus(benchmark::State& state, bool verbose, std::size_t files)
 {
     const Fixture& f = fixture();
     std::vector<std::string> arguments{svnProgram(), "status", "--config-dir", f.configDirectory,
                                        "--non-interactive"};
     if (verbose)
         arguments.push_back("-v");
-    arguments.push_back(f.workingCopy);
+    for (std::string& target : targets(files))
+        arguments.push_back(std::move(target));
     Program(state, arguments);
 }
 
-void TesseraStatus(benchmark::State& state, bool verbose)
+void TesseraStatus(benchmark::State& state, bool verbose, std::size_t files)
 {
     const Fixture& f = fixture();
     const char* tessera = std::getenv("TESSERA_BENCH_TESSERA");
@@ -385,10 +412,11 @@ void TesseraStatus(benchmark::State& state, bool verbose)
         }
         return;
     }
-    std::vector<std::string> arguments{tessera, "status"};
+    std::vector<std::string> arguments{tessera, "status", "--config-dir", f.configDirectory};
     if (verbose)
         arguments.push_back("-v");
-    arguments.push_back(f.workingCopy);
+    for (std::string& target : targets(files))
+        arguments.push_back(std::move(target));
     Program(state, arguments);
 }
 
@@ -420,10 +448,12 @@ void registerAll()
     walk("Walk/changed", WalkStatus, false)->UseRealTime();
     walk("Memory/raw", [](benchmark::State& state) { RawMemory(state); })->Iterations(1);
     walk("Memory/walk", WalkMemory, true)->Iterations(1);
-    walk("Process/svn-status", SvnStatus, false)->UseRealTime();
-    walk("Process/tessera-status", TesseraStatus, false)->UseRealTime();
-    walk("Process/svn-status-v", SvnStatus, true)->UseRealTime();
-    walk("Process/tessera-status-v", TesseraStatus, true)->UseRealTime();
+    walk("Process/svn-status", SvnStatus, false, 0)->UseRealTime();
+    walk("Process/tessera-status", TesseraStatus, false, 0)->UseRealTime();
+    walk("Process/svn-status-v", SvnStatus, true, 0)->UseRealTime();
+    walk("Process/tessera-status-v", TesseraStatus, true, 0)->UseRealTime();
+    walk("Process/svn-status-5000-files", SvnStatus, false, 5000)->UseRealTime();
+    walk("Process/tessera-status-5000-files", TesseraStatus, false, 5000)->UseRealTime();
 }
 
 }  // namespace

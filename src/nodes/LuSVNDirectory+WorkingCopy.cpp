@@ -5,6 +5,7 @@
 #include <tessera/LuSVNExternalDefinition.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
@@ -99,7 +100,11 @@ void LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(const LocalPath& path
                 "remoteChangeCount:withContext",
                 {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
     LuSVNStatusBaton baton(context, path, options, handler);
-    baton.externals = externalsAbove(path, context);
+    // Only a directory can be an external or hold one; a file (of the many a
+    // caller may walk one by one) needs no look at the definitions above it.
+    std::error_code notADirectory;
+    if (std::filesystem::is_directory(path->string(), notADirectory))
+        baton.externals = externalsAbove(path, context);
     LuSVNBackendFrame frame(context->bundle());
     baton.pool = frame.pool();
 

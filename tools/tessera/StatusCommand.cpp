@@ -486,6 +486,7 @@ private:
     Output& output_;
     std::string currentDirectory_;
     std::map<std::string, std::shared_ptr<LuSVNContext>> contexts_;
+    std::unordered_map<std::string, LuSVNVersion> versions_;  // by directory
     unsigned textConflicts_ = 0, propertyConflicts_ = 0, treeConflicts_ = 0;
     std::string path_;  // reused for each line's path
     Target* target_ = nullptr;
@@ -499,7 +500,12 @@ std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& a
     std::error_code error;
     const std::string directory =
         std::filesystem::is_directory(absolute, error) ? absolute : parentPath(absolute);
-    const LuSVNVersion version = LuSVNNode::versionForWorkingCopyAtPath(directory);
+    // Many file targets share a few directories; each look opens the
+    // working copy's database.
+    auto known = versions_.find(directory);
+    if (known == versions_.end())
+        known = versions_.emplace(directory, LuSVNNode::versionForWorkingCopyAtPath(directory)).first;
+    const LuSVNVersion& version = known->second;
     auto& context = contexts_[version.versionString()];
     if (!context) {
         context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->bundleForVersion(version), {},
