@@ -56,7 +56,10 @@ public:
     //   if (root->hasModifiedNodes()) ...            // a badge on the folder
     //
     // One Subversion status call (svn_client_status5 on backends 1.7 and
-    // later, svn_client_status2 before) over the directory. The result holds
+    // later, svn_client_status2 before) over the directory. A relative path
+    // is taken from the current directory, as svn takes it (never a raw
+    // std::filesystem error: a current directory that is gone raises
+    // LuSVNException); every node's path is absolute. The result holds
     // a node per reported item, in the backend's order, each with its status:
     //  - an external directory (a target of an "svn:externals" definition at
     //    or above the path) has text status external, also when it is reported
@@ -136,7 +139,8 @@ public:
                                                       const NodeHandler& handler, std::uint32_t* localChangeCount,
                                                       std::uint32_t* remoteChangeCount, const Context& context);
 
-    /// The status of the directory itself (its node, with status, URL,
+    /// The status of the directory itself (a relative path taken from the
+    /// current directory; its node, with status, URL,
     /// last change, properties flag and the working copy's lock), its
     /// aggregate words holding the OR of every item below it as the options
     /// walk them (no propagation needed). Raises "Invalid parameter not

@@ -74,6 +74,19 @@ LuSVNNode::PathSet LuSVNDirectory::externalsForPath(const LocalPath& path, const
 
 namespace {
 
+// A relative path is taken from the current directory, as svn takes it: the
+// walk keys everything on the absolute paths that Subversion reports.
+LuSVNNode::LocalPath absolutePath(const LuSVNNode::LocalPath& path)
+{
+    if (LuSVNLocalPath::isValidPath(path->string()))
+        return path;
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path->string(), error);
+    if (error)
+        throw LuSVNException("Cannot make '" + path->string() + "' absolute: " + error.message());
+    return LuSVNLocalPath::pathWithString(absolute.lexically_normal().string());
+}
+
 // The externals defined above the path, by path text; the walk learns those
 // below as it enters them.
 LuSVNPathStrings externalsAbove(const LuSVNNode::LocalPath& path, const LuSVNNode::Context& context)
@@ -88,22 +101,25 @@ LuSVNPathStrings externalsAbove(const LuSVNNode::LocalPath& path, const LuSVNNod
 
 }  // namespace
 
-void LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+void LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(const LocalPath& givenPath,
+                                                           const LuSVNStatusOptions& options,
                                                            const NodeHandler& handler,
                                                            std::uint32_t* localChangeCount,
                                                            std::uint32_t* remoteChangeCount, const Context& context)
 {
-    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(givenPath != nullptr, "path != nil");
     LUSVN_PARAMETER_ASSERT(handler != nullptr, "handler != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNDirectory", "reportStatusForNodesInDirectoryAtPath:withOptions:handler:localChangeCount:"
                 "remoteChangeCount:withContext",
-                {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
+                {"path", givenPath->string()}, {"options", options.description()},
+                {"context", context->description()});
+    const LocalPath path = absolutePath(givenPath);
     LuSVNStatusBaton baton(context, path, options, handler);
     // Only a directory can be an external or hold one; a file (of the many a
     // caller may walk one by one) needs no look at the definitions above it.
     std::error_code notADirectory;
-    if (std::filesystem::is_directory(path->string(), notADirectory))
+    if (std::filesystem::is_directory(std::filesystem::symlink_status(path->string(), notADirectory)))
         baton.externals = externalsAbove(path, context);
     LuSVNBackendFrame frame(context->bundle());
     baton.pool = frame.pool();
@@ -187,12 +203,13 @@ LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath
     LUSVN_TRACE("LuSVNDirectory", "statusForNodesInDirectoryAtPath:withOptions:directory:localChangeCount:"
                 "remoteChangeCount:withContext",
                 {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
-    NodeCollector collector{path->string(), {}, {}, nullptr, {}};
+    const LocalPath root = absolutePath(path);
+    NodeCollector collector{root->string(), {}, {}, nullptr, {}};
     // Working copies of many thousand items are walked.
     collector.nodes.reserve(5000);
     collector.directoriesByPath.reserve(500);
     reportStatusForNodesInDirectoryAtPath(
-        path, options, [&collector](const std::shared_ptr<LuSVNNode>& node) { collector.add(node); },
+        root, options, [&collector](const std::shared_ptr<LuSVNNode>& node) { collector.add(node); },
         localChangeCount, remoteChangeCount, context);
     if (directory)
         *directory = collector.rootNode;
@@ -332,14 +349,15 @@ void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* st
 
 }  // namespace
 
-std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const LocalPath& path,
+std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const LocalPath& givenPath,
                                                                          const LuSVNStatusOptions& options,
                                                                          const Context& context)
 {
-    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(givenPath != nullptr, "path != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", path->string()},
+    LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", givenPath->string()},
                 {"options", options.description()}, {"context", context->description()});
+    const LocalPath path = absolutePath(givenPath);
     DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), externalsAbove(path, context),
                                nullptr, 0, 0, nullptr};
     LuSVNBackendFrame frame(context->bundle());
@@ -363,13 +381,14 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const L
     return baton.directory;
 }
 
-std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& givenPath, const LuSVNStatusOptions& options,
                                                            const Context& context)
 {
-    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(givenPath != nullptr, "path != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", path->string()},
+    LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", givenPath->string()},
                 {"options", options.description()}, {"context", context->description()});
+    const LocalPath path = absolutePath(givenPath);
     NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, {}, nullptr};
     LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
     call.itemOnly = true;

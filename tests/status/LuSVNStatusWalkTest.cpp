@@ -384,6 +384,36 @@ TEST_F(StatusWalk, MovesAsSvnShowsThem)
     EXPECT_EQ(node->status()->movedFromPath(), wc + "/a/b");
 }
 
+// A relative path is taken from the current directory: the same nodes, with
+// absolute paths and the root found, as for the absolute path.
+TEST_F(StatusWalk, RelativePathsAreTakenFromTheCurrentDirectory)
+{
+    const auto context = contextFor(nullptr);
+    LuSVNStatusOptions options;
+    options.setPropagateStatusToAncestor(true);
+    const Walk absolute = walk(fixture->workingCopy(), options, context);
+    const auto here = std::filesystem::current_path();
+    std::filesystem::current_path(fixture->item("sub"));
+    for (const char* relative : {"..", "../", "../sub/..", "./.."}) {
+        SCOPED_TRACE(relative);
+        const Walk result = walk(relative, options, context);
+        ASSERT_EQ(result.nodes.size(), absolute.nodes.size());
+        for (std::size_t i = 0; i < result.nodes.size(); ++i)
+            EXPECT_EQ(result.nodes[i]->path()->string(), absolute.nodes[i]->path()->string());
+        ASSERT_NE(result.root, nullptr);
+        EXPECT_EQ(result.root->aggregateChildStatus(), absolute.root->aggregateChildStatus());
+        const auto directory = LuSVNDirectory::statusForDirectoryAtPath(LuSVNLocalPath::pathWithString(relative),
+                                                                        LuSVNStatusOptions(), context);
+        ASSERT_NE(directory, nullptr);
+        EXPECT_EQ(directory->path()->string(), fixture->workingCopy());
+    }
+    const auto file = LuSVNNode::nodeWithStatusAtPath(LuSVNLocalPath::pathWithString("file.txt"),
+                                                      LuSVNStatusOptions(), context);
+    std::filesystem::current_path(here);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->path()->string(), fixture->item("sub/file.txt"));
+}
+
 // The single-item queries agree with svn status --depth empty of the item.
 // The external is external as in a walk (svn reports it from inside alone).
 TEST_F(StatusWalk, SingleItemsAgreeWithSvn)

@@ -211,6 +211,45 @@ moved() { printf '%s\n' "$json" | jq -r ".targets[0].nodes[] | select(.path.path
 [ "$(moved d/f1-moved movedFromPath)" = "$moves/a/f1" ] && pass || fail "--json: movedFromPath $(moved d/f1-moved movedFromPath)"
 [ "$(moved a/f1 movedToPath)" = "$moves/d/f1-moved" ] && pass || fail "--json: movedToPath $(moved a/f1 movedToPath)"
 
+# Targets as svn takes them: missing, unversioned, outside any working copy,
+# a versioned link to a directory and a file below it, ".", "..", "a/../a",
+# each alone and beside a good target: the same output, svn's warnings with
+# the program's name, and svn's exit status.
+ln -s a "$moves/link"
+"$svn" add -q --config-dir "$config" "$moves/link"
+mkdir -p "$work/plain" "$moves/unversioned dir"  # $work/plain is used again below
+echo plain > "$work/plain/file"
+outputs() {
+  dir="$1" program="$2"
+  shift 2
+  status=0
+  (cd "$dir" && "$program" status --config-dir "$config" "$@") > "$work/out" 2> "$work/err" || status=$?
+  # XML: the elements and their paths (the other attributes come in svn's
+  # hash order and are compared above).
+  [ "${1:-}" = --xml ] && grep -e '^</\{0,1\}status' -e '^</\{0,1\}target' -e '^<entry' -e '^   path=' "$work/out" > "$work/elements" && mv "$work/elements" "$work/out"
+  printf '%s\n--- exit %s\n' "$(cat "$work/out")" "$status"
+  sed 's/^svn: /tessera: /' "$work/err"
+}
+compare_targets() {
+  dir="$1"
+  shift
+  expected="$(outputs "$dir" "$svn" "$@")"
+  actual="$(outputs "$dir" "$tessera" "$@")"
+  if [ "$expected" = "$actual" ]; then pass; else
+    fail "targets $* (in $dir)"
+    printf '%s\n' "$expected" > "$work/expected"
+    printf '%s\n' "$actual" > "$work/actual"
+    diff -u "$work/expected" "$work/actual" | sed 's/^/    /' || true
+  fi
+}
+for target in nope "$work/nope" "$work/plain" "$work/plain/file" "$work/plain/nope" "unversioned dir/x" \
+  link link/ link/f3 . .. a/../a a/f3 ./a/ ../moves/d "$moves/a/f2"; do
+  compare_targets "$moves" "$target"
+  compare_targets "$moves" "$target" d
+  compare_targets "$moves" -q "$target"
+  compare_targets "$moves" --xml "$target" "$work/plain" d
+done
+
 # Arguments and targets that are not working copies.
 status=0
 "$tessera" status --depth sideways "$work/wc" >/dev/null 2>&1 || status=$?
@@ -218,7 +257,6 @@ status=0
 status=0
 "$tessera" status -x "$work/wc" >/dev/null 2>&1 || status=$?
 [ "$status" -eq 2 ] && pass || fail "unknown option: exit $status"
-mkdir "$work/plain"
 if out="$("$tessera" status --config-dir "$config" "$work/plain" 2>&1)"; then
   case "$out" in *"W155007: '$work/plain' is not a working copy"*) pass ;; *) fail "plain directory: $out" ;; esac
 else

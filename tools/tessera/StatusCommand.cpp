@@ -495,16 +495,39 @@ private:
     bool firstJSONTarget_ = true;
 };
 
+// The release of the working copy that holds the directory: its own, or that
+// of the nearest parent in a working copy (an unversioned directory, or one
+// reached through a versioned link, is in its parent's). Raises the
+// directory's own error when no parent is in one either.
+LuSVNVersion versionForDirectory(const std::string& directory)
+{
+    try {
+        return LuSVNNode::versionForWorkingCopyAtPath(directory);
+    } catch (const LuSVNException&) {
+        for (std::string parent = parentPath(directory); !parent.empty(); parent = parentPath(parent)) {
+            try {
+                return LuSVNNode::versionForWorkingCopyAtPath(parent);
+            } catch (const LuSVNException&) {
+                if (parent == "/")
+                    break;
+            }
+        }
+        throw;
+    }
+}
+
 std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& absolute)
 {
+    // A symbolic link is an item of its own, even one to a directory.
     std::error_code error;
-    const std::string directory =
-        std::filesystem::is_directory(absolute, error) ? absolute : parentPath(absolute);
+    const std::string directory = std::filesystem::is_directory(std::filesystem::symlink_status(absolute, error))
+                                      ? absolute
+                                      : parentPath(absolute);
     // Many file targets share a few directories; each look opens the
     // working copy's database.
     auto known = versions_.find(directory);
     if (known == versions_.end())
-        known = versions_.emplace(directory, LuSVNNode::versionForWorkingCopyAtPath(directory)).first;
+        known = versions_.emplace(directory, versionForDirectory(directory)).first;
     const LuSVNVersion& version = known->second;
     auto& context = contexts_[version.versionString()];
     if (!context) {
@@ -1090,18 +1113,27 @@ int StatusPrinter::run()
                                   .lexically_normal()
                                   .string())
                               ->string();
+        target_ = &target;
         try {
             walk(target);
         } catch (const LuSVNException& e) {
             const int code = e.status();
             if (e.name() != "LuSVNNotWorkingCopyException" && code != 155007 && code != 155010)
                 throw;
+            // svn's XML keeps the target, empty.
+            if (settings_.xml && !target.started) {
+                startTarget();
+                out += "</target>\n";
+            }
             output_.flush();
-            if (e.name() == "LuSVNNotWorkingCopyException" || code == 155007)
+            // svn keeps its warnings to itself when quiet.
+            if (settings_.quiet) {
+            } else if (e.name() == "LuSVNNotWorkingCopyException" || code == 155007) {
                 std::fprintf(stderr, "tessera: warning: W155007: '%s' is not a working copy\n",
                              target.absolute.c_str());
-            else
+            } else {
                 std::fprintf(stderr, "tessera: warning: W%d: %s\n", code, e.reason().c_str());
+            }
         }
         target_ = nullptr;
     }
