@@ -320,9 +320,8 @@ void RawMemory(benchmark::State& state)
 // --- Whole programs ------------------------------------------------------------
 
 // Runs the program with its output on /dev/null and returns its exit status;
-// adds its processor time (user and system, seconds) to `cpu` and keeps the
-// larger of `peak` and its peak resident memory (KiB).
-int run(const std::vector<std::string>& arguments, double* cpu = nullptr, long* peak = nullptr)
+// adds its processor time (user and system, seconds) to `cpu`.
+int run(const std::vector<std::string>& arguments, double* cpu = nullptr)
 {
     std::vector<char*> argv;
     for (const std::string& argument : arguments)
@@ -342,26 +341,57 @@ int run(const std::vector<std::string>& arguments, double* cpu = nullptr, long* 
     if (cpu != nullptr)
         *cpu += static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
                 static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-    if (peak != nullptr)
-        *peak = std::max(*peak, usage.ru_maxrss);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 // Wall time is the figure; the child's processor time (child_cpu_ms, per
 // run) is steadier on a busy machine.
+// Linux keeps a process's peak resident memory across exec, so a child
+// started from this (large) process would report this one's. The peak is
+// taken by a fresh copy of this program ("--peak-of PROGRAM ARGS..."), whose
+// own child starts small; it prints the child's peak (KiB).
+int peakOf(char** argv)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDOUT_FILENO);
+        execvp(argv[0], argv);
+        _exit(127);
+    }
+    int status = 0;
+    struct rusage usage {};
+    wait4(child, &status, 0, &usage);
+    std::printf("%ld\n", usage.ru_maxrss);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
+
+long peakMemory(const std::vector<std::string>& arguments)
+{
+    std::string command = "'" + fs::read_symlink("/proc/self/exe").string() + "' --peak-of";
+    for (const std::string& argument : arguments)
+        command += " '" + argument + "'";
+    FILE* pipe = popen(command.c_str(), "r");
+    long peak = -1;
+    if (pipe != nullptr && std::fscanf(pipe, "%ld", &peak) != 1)
+        peak = -1;
+    if (pipe != nullptr)
+        pclose(pipe);
+    return peak;
+}
+
 void Program(benchmark::State& state, const std::vector<std::string>& arguments)
 {
     double cpu = 0;
-    long peak = 0;
     for (auto _ : state) {
-        if (run(arguments, &cpu, &peak) != 0) {
+        if (run(arguments, &cpu) != 0) {
             state.SkipWithError((arguments[0] + " failed").c_str());
             break;
         }
     }
     state.counters["child_cpu_ms"] =
         benchmark::Counter(cpu * 1000, benchmark::Counter::kAvgIterations);
-    state.counters["child_peak_kib"] = static_cast<double>(peak);
+    state.counters["child_peak_kib"] = static_cast<double>(peakMemory(arguments));
 }
 
 std::string svnProgram()
@@ -460,6 +490,8 @@ void registerAll()
 
 int main(int argc, char** argv)
 {
+    if (argc > 2 && std::strcmp(argv[1], "--peak-of") == 0)
+        return peakOf(argv + 2);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

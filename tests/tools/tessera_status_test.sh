@@ -67,6 +67,8 @@ option_sets="
 -vuq
 -vq
 -u --depth=immediates
+-u --depth=empty
+-uv --depth=empty
 "
 echo "$option_sets" | while IFS= read -r options; do
   [ -n "$options" ] || continue
@@ -248,6 +250,37 @@ for target in nope "$work/nope" "$work/plain" "$work/plain/file" "$work/plain/no
   compare_targets "$moves" "$target" d
   compare_targets "$moves" -q "$target"
   compare_targets "$moves" --xml "$target" "$work/plain" d
+done
+
+# Names with control characters: svn escapes line feeds and tabs in XML
+# attributes; the text lines carry them as they are.
+mkdir "$moves/ctl"
+touch "$moves/ctl/tab	x" "$moves/ctl/line
+feed" "$moves/ctl/amp&<q\">" "$moves/ctl/c$(printf '\001')z"
+"$svn" add -q --depth empty --config-dir "$config" "$moves/ctl"
+compare_targets "$moves" --xml ctl
+compare_targets "$moves" ctl
+
+# A write error on standard output is svn's error, and a failure.
+for options in "" "--xml"; do
+  for program in "$svn" "$tessera"; do
+    status=0
+    # shellcheck disable=SC2086
+    (cd "$moves" && "$program" status --config-dir "$config" $options d) > /dev/full 2> "$work/err" || status=$?
+    printf '%s\nexit %s\n' "$(sed 's/^svn: /tessera: /' "$work/err")" "$status" > "$work/$(basename "$program")"
+  done
+  mv "$work/svn" "$work/expected"
+  mv "$work/tessera" "$work/actual"
+  if cmp -s "$work/expected" "$work/actual" && ! grep -q "exit 0" "$work/actual"; then pass; else
+    fail "status $options > /dev/full: $(cat "$work/actual")"
+  fi
+done
+
+# --aggregates without -v: the target's line and each directory holding a
+# change, unchanged as it is.
+out="$(cd "$moves" && "$tessera" status --config-dir "$config" --aggregates)"
+for line in ".  [" "        d  [added" "        e f  [added" "A  +    e f/b moved  ["; do
+  case "$out" in *"$line"*) pass ;; *) fail "--aggregates: no line '$line' in: $out" ;; esac
 done
 
 # Arguments and targets that are not working copies.

@@ -11,6 +11,8 @@
 #include <tessera/Tessera.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -68,11 +70,16 @@ struct Settings {
 
 // --- Output -------------------------------------------------------------------
 
+// A failed write to standard output, with the system's error number.
+struct WriteError {
+    int code;
+};
+
 // One buffer written in large pieces: a status of many items is mostly output.
+// A write that fails raises WriteError, which ends the walk.
 class Output {
 public:
     Output() { buffer_.reserve(1 << 16); }
-    ~Output() { flush(); }
     std::string& buffer() { return buffer_; }
     void maybeFlush()
     {
@@ -81,9 +88,10 @@ public:
     }
     void flush()
     {
-        if (!buffer_.empty())
-            std::fwrite(buffer_.data(), 1, buffer_.size(), stdout);
+        const bool written = buffer_.empty() || std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) == buffer_.size();
         buffer_.clear();
+        if (!written || std::fflush(stdout) != 0)
+            throw WriteError{errno};
     }
 
 private:
@@ -110,9 +118,15 @@ void appendPadded(std::string& out, std::string_view text, int width)
         out.append(pad, ' ');
 }
 
+// svn's XML escaping: of text, and (`attribute`) of attribute values, where
+// quotes, line feeds and tabs are escaped too, so that a parser reads them back.
 void appendEscaped(std::string& out, std::string_view text, bool attribute)
 {
     for (const char c : text) {
+        if (attribute && (c == '\n' || c == '\t')) {
+            out += c == '\n' ? "&#10;" : "&#9;";
+            continue;
+        }
         switch (c) {
         case '&': out += "&amp;"; break;
         case '<': out += "&lt;"; break;
@@ -306,6 +320,17 @@ bool isOutOfDate(const LuSVNStatus& status)
     return isAbnormalKind(status.repositoryTextStatus()) || isAbnormalKind(status.repositoryPropertyStatus());
 }
 
+// Whether a walk without the unchanged items reports the node (Subversion's
+// test of an item worth sending).
+bool reportedWithoutAll(const LuSVNNode& node)
+{
+    const LuSVNStatus& status = *node.status();
+    const LuSVNStatusKind text = status.textStatus();
+    return isOutOfDate(status) || status.repositoryLock() || status.treeConflict() ||
+           (text != LuSVNStatusNone && text != LuSVNStatusNormal) || isAbnormalKind(status.propertyStatus()) ||
+           status.isSwitched() || node.lock() || status.changelist() || status.movedToPath();
+}
+
 // svn_client_status_t's repos_node_status from the two repository kinds.
 LuSVNStatusKind repositoryNodeStatus(const LuSVNStatus& status)
 {
@@ -465,6 +490,7 @@ private:
     void resolveCandidates(const LuSVNNode* next);
     void place(const std::shared_ptr<LuSVNNode>& node);
     void placeRootForAggregates();
+    bool worthAnAggregateLine(const LuSVNNode& node) const;
     void enterExternal(const std::string& path);
     void complete(std::int32_t revision);
     void startTarget();
@@ -490,7 +516,8 @@ private:
     unsigned textConflicts_ = 0, propertyConflicts_ = 0, treeConflicts_ = 0;
     std::string path_;  // reused for each line's path
     Target* target_ = nullptr;
-    std::vector<Event> kept_;  // with --aggregates, until the walk ends
+    std::vector<Event> kept_;  // with --aggregates (or keeping_), until the walk ends
+    bool keeping_ = false;
     std::vector<ChangelistItem> changelists_;
     bool firstJSONTarget_ = true;
 };
@@ -548,7 +575,8 @@ void StatusPrinter::walk(Target& target)
     const bool wholeTree =
         depth == Depth::Infinity || settings_.aggregates || (settings_.verbose && settings_.update);
     options.setRecursive(wholeTree);
-    options.setIncludeNormalFiles(settings_.verbose);
+    // --aggregates shows the unchanged directories that hold changes too.
+    options.setIncludeNormalFiles(settings_.verbose || settings_.aggregates);
     options.setCompareAgainstRepository(settings_.update);
     options.setRespectIgnoreProperties(!settings_.noIgnore);
     // svn walks externals only at depth infinity.
@@ -563,12 +591,27 @@ void StatusPrinter::walk(Target& target)
         }));
     target_ = &target;
     kept_.clear();
+    const auto path = LuSVNLocalPath::pathWithString(target.absolute);
     try {
-        LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
-            LuSVNLocalPath::pathWithString(target.absolute), options,
-            [this](const std::shared_ptr<LuSVNNode>& node) { receive({node, false, {}, LuSVNInvalidRevision}); }, nullptr, nullptr, context);
+        if (depth == Depth::Empty && !settings_.aggregates) {
+            // The item alone, at svn's depth: the repository's changes below
+            // a directory do not mark it. Its line comes before the
+            // notifications of the call.
+            keeping_ = true;
+            const auto node = LuSVNNode::nodeWithStatusAtPath(path, options, context);
+            keeping_ = false;
+            if (node && (settings_.verbose || reportedWithoutAll(*node)))
+                kept_.insert(kept_.begin(), {node, false, {}, LuSVNInvalidRevision});
+        } else {
+            LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+                path, options,
+                [this](const std::shared_ptr<LuSVNNode>& node) { receive({node, false, {}, LuSVNInvalidRevision}); },
+                nullptr, nullptr, context);
+        }
     } catch (...) {
         context->setNotificationHandler(nullptr);
+        keeping_ = false;
+        kept_.clear();
         throw;
     }
     context->setNotificationHandler(nullptr);
@@ -576,16 +619,16 @@ void StatusPrinter::walk(Target& target)
         for (const Event& event : kept_)
             if (event.node && event.node->isDirectory() && event.node->path()->string() == target.absolute)
                 target.root = std::static_pointer_cast<LuSVNDirectory>(event.node);
-        for (const Event& event : kept_)
-            process(event);
-        kept_.clear();
     }
+    for (const Event& event : kept_)
+        process(event);
+    kept_.clear();
     finishTarget();
 }
 
 void StatusPrinter::receive(Event event)
 {
-    if (settings_.aggregates)
+    if (settings_.aggregates || keeping_)
         kept_.push_back(std::move(event));
     else
         process(event);
@@ -702,10 +745,23 @@ void StatusPrinter::place(const std::shared_ptr<LuSVNNode>& node)
         return;
     }
     const Line line{node.get(), kind};
-    if (!shown(line))
+    if (!shown(line) || (settings_.aggregates && !settings_.verbose && !worthAnAggregateLine(*node)))
         return;
     displayPath(path, path_);
     print(line, path_);
+}
+
+// Without -v, --aggregates shows what svn shows, the target itself and the
+// directories with a change below them.
+bool StatusPrinter::worthAnAggregateLine(const LuSVNNode& node) const
+{
+    if (node.path()->string() == target_->absolute || reportedWithoutAll(node))
+        return true;
+    if (!node.isDirectory())
+        return false;
+    const auto& directory = static_cast<const LuSVNDirectory&>(node);
+    return isAbnormalKind(static_cast<LuSVNStatusKind>(directory.aggregateChildStatus())) ||
+           isAbnormalKind(static_cast<LuSVNStatusKind>(directory.aggregateRepositoryChildStatus()));
 }
 
 // With --aggregates the root always shows, to carry its words, after the
@@ -951,17 +1007,6 @@ void StatusPrinter::printLine(const Line& line, std::string_view path)
         out += ' ';
     }
     out.append(path);
-    if (!mark)
-        appendMoveLines(status, out);
-    if (conflict) {
-        out += "\n      >   ";
-        out += treeConflictDescription(*conflict);
-        ++treeConflicts_;
-    } else if (!mark && status.textStatus() == LuSVNStatusConflicted) {
-        ++textConflicts_;
-    } else if (!mark && status.propertyStatus() == LuSVNStatusConflicted) {
-        ++propertyConflicts_;
-    }
     if (settings_.aggregates && node.isDirectory() && line.kind != LineKind::ExternalMark) {
         const auto& directory = static_cast<const LuSVNDirectory&>(node);
         const std::uint32_t local = directory.aggregateChildStatus();
@@ -976,6 +1021,17 @@ void StatusPrinter::printLine(const Line& line, std::string_view path)
             }
             out += ']';
         }
+    }
+    if (!mark)
+        appendMoveLines(status, out);
+    if (conflict) {
+        out += "\n      >   ";
+        out += treeConflictDescription(*conflict);
+        ++treeConflicts_;
+    } else if (!mark && status.textStatus() == LuSVNStatusConflicted) {
+        ++textConflicts_;
+    } else if (!mark && status.propertyStatus() == LuSVNStatusConflicted) {
+        ++propertyConflicts_;
     }
     out += '\n';
     output_.maybeFlush();
@@ -1261,7 +1317,14 @@ int statusCommand(int argc, char** argv)
         std::fprintf(stderr, "tessera status: %s\n%s", error->c_str(), statusUsage);
         return 2;
     }
+    // A reader that goes away is a write error, as for svn.
+    std::signal(SIGPIPE, SIG_IGN);
     Output output;
     StatusPrinter printer(settings, output);
-    return printer.run();
+    try {
+        return printer.run();
+    } catch (const WriteError& error) {
+        std::fprintf(stderr, "tessera: E%06d: Write error: %s\n", error.code, std::strerror(error.code));
+        return 1;
+    }
 }
