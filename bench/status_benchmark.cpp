@@ -368,16 +368,29 @@ int peakOf(char** argv)
 
 long peakMemory(const std::vector<std::string>& arguments)
 {
-    std::string command = "'" + fs::read_symlink("/proc/self/exe").string() + "' --peak-of";
-    for (const std::string& argument : arguments)
-        command += " '" + argument + "'";
-    FILE* pipe = popen(command.c_str(), "r");
-    long peak = -1;
-    if (pipe != nullptr && std::fscanf(pipe, "%ld", &peak) != 1)
-        peak = -1;
-    if (pipe != nullptr)
-        pclose(pipe);
-    return peak;
+    std::vector<std::string> measured{fs::read_symlink("/proc/self/exe").string(), "--peak-of"};
+    measured.insert(measured.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (const std::string& argument : measured)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    int pipe[2];
+    if (::pipe(pipe) != 0)
+        return -1;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addclose(&actions, pipe[0]);
+    pid_t child = 0;
+    const int failed = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(pipe[1]);
+    char text[32] = "";
+    const ssize_t length = failed == 0 ? read(pipe[0], text, sizeof text - 1) : -1;
+    close(pipe[0]);
+    if (failed == 0)
+        waitpid(child, nullptr, 0);
+    return length > 0 ? std::strtol(text, nullptr, 10) : -1;
 }
 
 void Program(benchmark::State& state, const std::vector<std::string>& arguments)
