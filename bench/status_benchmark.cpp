@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -345,6 +346,53 @@ int run(const std::vector<std::string>& arguments, double* cpu = nullptr)
 
 // Wall time is the figure; the child's processor time (child_cpu_ms, per
 // run) is steadier on a busy machine.
+// Linux keeps a process's peak resident memory across exec, so a child
+// started from this (large) process would report this one's. The peak is
+// taken by a fresh copy of this program ("--peak-of PROGRAM ARGS..."), whose
+// own child starts small; it prints the child's peak (KiB).
+int peakOf(char** argv)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDOUT_FILENO);
+        execvp(argv[0], argv);
+        _exit(127);
+    }
+    int status = 0;
+    struct rusage usage {};
+    wait4(child, &status, 0, &usage);
+    std::printf("%ld\n", usage.ru_maxrss);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
+
+long peakMemory(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> measured{fs::read_symlink("/proc/self/exe").string(), "--peak-of"};
+    measured.insert(measured.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (const std::string& argument : measured)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    int pipe[2];
+    if (::pipe(pipe) != 0)
+        return -1;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addclose(&actions, pipe[0]);
+    pid_t child = 0;
+    const int failed = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(pipe[1]);
+    char text[32] = "";
+    const ssize_t length = failed == 0 ? read(pipe[0], text, sizeof text - 1) : -1;
+    close(pipe[0]);
+    if (failed == 0)
+        waitpid(child, nullptr, 0);
+    return length > 0 ? std::strtol(text, nullptr, 10) : -1;
+}
+
 void Program(benchmark::State& state, const std::vector<std::string>& arguments)
 {
     double cpu = 0;
@@ -356,6 +404,7 @@ void Program(benchmark::State& state, const std::vector<std::string>& arguments)
     }
     state.counters["child_cpu_ms"] =
         benchmark::Counter(cpu * 1000, benchmark::Counter::kAvgIterations);
+    state.counters["child_peak_kib"] = static_cast<double>(peakMemory(arguments));
 }
 
 std::string svnProgram()
@@ -364,18 +413,39 @@ std::string svnProgram()
     return svn != nullptr ? svn : "svn";
 }
 
-void SvnStatus(benchmark::State& state, bool verbose)
+// The targets of a status run: the working copy, or (`files`) that many of
+// its files, the first in path order, one argument each.
+std::vector<std::string> targets(std::size_t files)
+{
+    const Fixture& f = fixture();
+    if (files == 0)
+        return {f.workingCopy};
+    std::vector<std::string> found;
+    for (auto entry = fs::recursive_directory_iterator(f.workingCopy); entry != fs::recursive_directory_iterator();
+         ++entry) {
+        if (entry->path().filename() == ".svn")
+            entry.disable_recursion_pending();
+        else if (entry->is_regular_file())
+            found.push_back(entry->path().string());
+    }
+    std::sort(found.begin(), found.end());
+    found.resize(std::min(files, found.size()));
+    return found;
+}
+
+void SvnStatus(benchmark::State& state, bool verbose, std::size_t files)
 {
     const Fixture& f = fixture();
     std::vector<std::string> arguments{svnProgram(), "status", "--config-dir", f.configDirectory,
                                        "--non-interactive"};
     if (verbose)
         arguments.push_back("-v");
-    arguments.push_back(f.workingCopy);
+    for (std::string& target : targets(files))
+        arguments.push_back(std::move(target));
     Program(state, arguments);
 }
 
-void TesseraStatus(benchmark::State& state, bool verbose)
+void TesseraStatus(benchmark::State& state, bool verbose, std::size_t files)
 {
     const Fixture& f = fixture();
     const char* tessera = std::getenv("TESSERA_BENCH_TESSERA");
@@ -385,10 +455,11 @@ void TesseraStatus(benchmark::State& state, bool verbose)
         }
         return;
     }
-    std::vector<std::string> arguments{tessera, "status"};
+    std::vector<std::string> arguments{tessera, "status", "--config-dir", f.configDirectory};
     if (verbose)
         arguments.push_back("-v");
-    arguments.push_back(f.workingCopy);
+    for (std::string& target : targets(files))
+        arguments.push_back(std::move(target));
     Program(state, arguments);
 }
 
@@ -420,16 +491,20 @@ void registerAll()
     walk("Walk/changed", WalkStatus, false)->UseRealTime();
     walk("Memory/raw", [](benchmark::State& state) { RawMemory(state); })->Iterations(1);
     walk("Memory/walk", WalkMemory, true)->Iterations(1);
-    walk("Process/svn-status", SvnStatus, false)->UseRealTime();
-    walk("Process/tessera-status", TesseraStatus, false)->UseRealTime();
-    walk("Process/svn-status-v", SvnStatus, true)->UseRealTime();
-    walk("Process/tessera-status-v", TesseraStatus, true)->UseRealTime();
+    walk("Process/svn-status", SvnStatus, false, 0)->UseRealTime();
+    walk("Process/tessera-status", TesseraStatus, false, 0)->UseRealTime();
+    walk("Process/svn-status-v", SvnStatus, true, 0)->UseRealTime();
+    walk("Process/tessera-status-v", TesseraStatus, true, 0)->UseRealTime();
+    walk("Process/svn-status-5000-files", SvnStatus, false, 5000)->UseRealTime();
+    walk("Process/tessera-status-5000-files", TesseraStatus, false, 5000)->UseRealTime();
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    if (argc > 2 && std::strcmp(argv[1], "--peak-of") == 0)
+        return peakOf(argv + 2);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

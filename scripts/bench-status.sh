@@ -25,7 +25,7 @@ repetitions=${2:-5}
 build=$here/build-bench
 
 if [[ ! -f $build/build.ninja ]]; then
-    CMAKE_CXX_COMPILER_LAUNCHER=ccache cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 fi
 targets=(status_benchmark tessera_backend_svn)
 if [[ -f $here/tools/tessera/StatusCommand.cpp ]]; then
@@ -64,17 +64,20 @@ def ms(value):
     return "-" if value is None else f"{value:.1f} ms"
 
 print(f"\n{data['context'].get('num_cpus')} cores, load {data['context'].get('load_avg')}, medians of {sys.argv[2]} runs\n")
-print("| benchmark | wall | processor | items |")
-print("|---|---|---|---|")
+print("| benchmark | wall | processor | peak memory | items |")
+print("|---|---|---|---|---|")
 order = ["Raw/all", "Walk/all", "Raw/changed", "Walk/changed", "Process/svn-status", "Process/tessera-status",
-         "Process/svn-status-v", "Process/tessera-status-v"]
+         "Process/svn-status-v", "Process/tessera-status-v", "Process/svn-status-5000-files",
+         "Process/tessera-status-5000-files"]
 for name in sorted(runs, key=lambda n: order.index(n) if n in order else len(order)):
     if name.startswith("Memory/"):
         continue
     items = median(name, "items")
     # In-process: the benchmark thread's time; programs: the child's.
     cpu = median(name, "child_cpu_ms") if name.startswith("Process/") else median(name, "cpu_time")
-    print(f"| {name} | {ms(median(name))} | {ms(cpu)} | {'' if items is None else int(items)} |")
+    peak = median(name, "child_peak_kib")
+    print(f"| {name} | {ms(median(name))} | {ms(cpu)} | {'' if peak is None else f'{peak / 1024:.1f} MiB'} | "
+          f"{'' if items is None else int(items)} |")
 
 def ratio(a, b):
     x, y = median(a), median(b)
@@ -95,6 +98,13 @@ print(f"| walk / raw (all, propagated) | {ratio('Walk/all', 'Raw/all')} | <= 1.1
 print(f"| walk / raw (changed) | {ratio('Walk/changed', 'Raw/changed')} | <= 1.15 |")
 print(f"| tessera status / svn status | {ratio('Process/tessera-status', 'Process/svn-status')} | <= 1.00 |")
 print(f"| tessera status -v / svn status -v | {ratio('Process/tessera-status-v', 'Process/svn-status-v')} | <= 1.00 |")
+print(f"| 5,000 file targets, tessera / svn | {ratio('Process/tessera-status-5000-files', 'Process/svn-status-5000-files')} | <= 1.50 |")
+peaks = [median(n, "child_peak_kib") for n in ("Process/tessera-status-5000-files", "Process/svn-status-5000-files")]
+if None not in peaks:
+    print(f"| 5,000 file targets, peak memory tessera / svn | {peaks[0] / peaks[1]:.2f} | | <= 2.00 |")
+peaks = [median(n, "child_peak_kib") for n in ("Process/tessera-status-v", "Process/svn-status-v")]
+if None not in peaks:
+    print(f"| status -v, peak memory tessera / svn | {peaks[0] / peaks[1]:.2f} | | |")
 
 print("\n| memory held while the result lives (all items) | bytes per node |")
 print("|---|---|")

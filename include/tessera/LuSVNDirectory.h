@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include <tessera/LuSVNNode.h>
 #include <tessera/LuSVNStatusOptions.h>
@@ -57,7 +58,10 @@ public:
     //   if (root->hasModifiedNodes()) ...            // a badge on the folder
     //
     // One Subversion status call (svn_client_status5 on backends 1.7 and
-    // later, svn_client_status2 before) over the directory. The result holds
+    // later, svn_client_status2 before) over the directory. A relative path
+    // is taken from the current directory, as svn takes it (never a raw
+    // std::filesystem error: a current directory that is gone raises
+    // LuSVNException); every node's path is absolute. The result holds
     // a node per reported item, in the backend's order, each with its status:
     //  - an external directory (a target of an "svn:externals" definition at
     //    or above the path) has text status external, also when it is reported
@@ -116,7 +120,51 @@ public:
     static Nodes statusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
                                                  const Context& context);
 
-    /// The status of the directory itself (its node, with status, URL,
+    // --- Streaming status walk -----------------------------------------------------
+    //
+    //   LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(path, options,
+    //       [&](const std::shared_ptr<LuSVNNode>& node) { print(*node); }, nullptr, nullptr, context);
+    //
+    // The same walk as statusForNodesInDirectoryAtPath, without a result
+    // array: the handler gets each node (with its status, as above) while
+    // the backend call runs, on the calling thread, once the item is
+    // reported, and in the backend's order (path order, parents before their
+    // children, except when compareAgainstRepository lets the repository's
+    // answer decide). Nothing is kept for the caller, so a walk of a million
+    // items needs no more memory than one of a hundred; the walk itself keeps
+    // the path text of each reported directory, of each unversioned item and
+    // of each conflict's extra files. Differences with the array form:
+    //  - a directory reported twice (an external, once by its parent's walk
+    //    with text status external, once by its own walk; a placeholder
+    //    reported for real later) reaches the handler twice, as two nodes;
+    //    the second keeps the first one's external mark, as in the array;
+    //  - placeholders reach the handler just before the external directory
+    //    that needs them;
+    //  - with propagateStatusToAncestor the aggregate words are set on the
+    //    directory nodes (the last one handed for each path) only when the
+    //    walk ends: keep the directories you need and read their words after
+    //    the call. The walk then keeps those directory nodes for as long;
+    //  - without includeConflictVersionFiles, a conflict's extra file is held
+    //    back when its conflicted item was reported before it, as it always is
+    //    in path order; compared against the repository, one reported
+    //    earlier may come through.
+    // The counts are those of the array form, written when the walk ends.
+    //
+    // An exception thrown by the handler stops the walk (on backends before
+    // 1.7, Subversion finishes its walk but no further item reaches the
+    // handler) and reaches the caller unchanged once the backend call has
+    // returned; the counts are then not written. A Subversion error raises
+    // its LuSVNException. Raises "Invalid parameter not satisfying: path !=
+    // nil" (and "handler != nil", "context != nil").
+
+    using NodeHandler = std::function<void(const std::shared_ptr<LuSVNNode>& node)>;
+
+    static void reportStatusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+                                                      const NodeHandler& handler, std::uint32_t* localChangeCount,
+                                                      std::uint32_t* remoteChangeCount, const Context& context);
+
+    /// The status of the directory itself (a relative path taken from the
+    /// current directory; its node, with status, URL,
     /// last change, properties flag and the working copy's lock), its
     /// aggregate words holding the OR of every item below it as the options
     /// walk them (no propagation needed). Raises "Invalid parameter not

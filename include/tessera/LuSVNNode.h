@@ -132,8 +132,9 @@ public:
     /// The node of the item at the path alone, with its status as a status
     /// walk with the options would report it (depth empty; the item is
     /// reported even when unmodified). Null when Subversion reports nothing
-    /// for the path. Raises "Invalid parameter not satisfying: path != nil"
-    /// (and "context != nil").
+    /// for the path. A relative path is taken from the current directory;
+    /// the node's path is absolute. Raises "Invalid parameter not
+    /// satisfying: path != nil" (and "context != nil").
     static std::shared_ptr<LuSVNNode> nodeWithStatusAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
                                                            const Context& context);
 

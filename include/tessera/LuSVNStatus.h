@@ -266,6 +266,18 @@ public:
     /// The tree conflict on the item ("treeConflict").
     const std::shared_ptr<const LuSVNConflict>& treeConflict() const { return rare_.get().treeConflict; }
     void setTreeConflict(std::shared_ptr<const LuSVNConflict> conflict) { setRare(&Rare::treeConflict, std::move(conflict)); }
+    /// Where a moved item came from and where it went: the absolute local
+    /// paths of the other end of a local move ("movedFromPath",
+    /// "movedToPath"). Subversion records moves from 1.8 on and names them
+    /// on the roots of a move only (the item moved, not its children): the
+    /// copy reports where it came from, the deleted source where it went; an
+    /// item that swapped places with another names that one as both. Not in
+    /// Subversion's older status record; backends before 1.7 leave both
+    /// empty.
+    const std::optional<std::string>& movedFromPath() const { return rare_.get().movedFromPath; }
+    void setMovedFromPath(std::optional<std::string> path) { setRare(&Rare::movedFromPath, std::move(path)); }
+    const std::optional<std::string>& movedToPath() const { return rare_.get().movedToPath; }
+    void setMovedToPath(std::optional<std::string> path) { setRare(&Rare::movedToPath, std::move(path)); }
 
     // --- Copying and archiving ------------------------------------------------
 
@@ -307,6 +319,8 @@ private:
         std::shared_ptr<const LuSVNLock> repositoryLock;
         std::optional<std::string> changelist;
         std::shared_ptr<const LuSVNConflict> treeConflict;
+        std::optional<std::string> movedFromPath;
+        std::optional<std::string> movedToPath;
     };
     // Owns the rare part; a copy of a record copies it too.
     class RarePart {

@@ -4,6 +4,9 @@
 #include <tessera/LuSVNDirectory.h>
 #include <tessera/LuSVNExternalDefinition.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
 #include "LuSVNNode+Properties.h"
@@ -71,6 +74,19 @@ LuSVNNode::PathSet LuSVNDirectory::externalsForPath(const LocalPath& path, const
 
 namespace {
 
+// A relative path is taken from the current directory, as svn takes it: the
+// walk keys everything on the absolute paths that Subversion reports.
+LuSVNNode::LocalPath absolutePath(const LuSVNNode::LocalPath& path)
+{
+    if (LuSVNLocalPath::isValidPath(path->string()))
+        return path;
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path->string(), error);
+    if (error)
+        throw LuSVNException("Cannot make '" + path->string() + "' absolute: " + error.message());
+    return LuSVNLocalPath::pathWithString(absolute.lexically_normal().string());
+}
+
 // The externals defined above the path, by path text; the walk learns those
 // below as it enters them.
 LuSVNPathStrings externalsAbove(const LuSVNNode::LocalPath& path, const LuSVNNode::Context& context)
@@ -82,6 +98,96 @@ LuSVNPathStrings externalsAbove(const LuSVNNode::LocalPath& path, const LuSVNNod
         texts.insert(external->string());
     return texts;
 }
+
+}  // namespace
+
+void LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(const LocalPath& givenPath,
+                                                           const LuSVNStatusOptions& options,
+                                                           const NodeHandler& handler,
+                                                           std::uint32_t* localChangeCount,
+                                                           std::uint32_t* remoteChangeCount, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(givenPath != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(handler != nullptr, "handler != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDirectory", "reportStatusForNodesInDirectoryAtPath:withOptions:handler:localChangeCount:"
+                "remoteChangeCount:withContext",
+                {"path", givenPath->string()}, {"options", options.description()},
+                {"context", context->description()});
+    const LocalPath path = absolutePath(givenPath);
+    LuSVNStatusBaton baton(context, path, options, handler);
+    // Only a directory can be an external or hold one; a file (of the many a
+    // caller may walk one by one) needs no look at the definitions above it.
+    std::error_code notADirectory;
+    if (std::filesystem::is_directory(std::filesystem::symlink_status(path->string(), notADirectory)))
+        baton.externals = externalsAbove(path, context);
+    LuSVNBackendFrame frame(context->bundle());
+    baton.pool = frame.pool();
+
+    // Counts and aggregates need the whole tree; a caller who asked for less
+    // still gets only the root's node.
+    LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
+    if (options.propagateStatusToAncestor() ||
+        (options.compareAgainstRepository() && !options.recursive() && options.includeNormalFiles())) {
+        call.recursive = true;
+        baton.rootOnly = !options.recursive();
+    }
+    LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool(),
+                      &baton.externals, &baton.moves);
+
+    if (localChangeCount) {
+        std::uint32_t extraFiles = 0;
+        for (const std::string& file : baton.conflictFiles)
+            extraFiles += baton.unversionedPaths.contains(file);
+        *localChangeCount = baton.localChangeCount - extraFiles;
+    }
+    if (remoteChangeCount)
+        *remoteChangeCount = baton.remoteChangeCount;
+    if (options.propagateStatusToAncestor()) {
+        Directories directories;
+        directories.reserve(baton.directoriesByPath.size());
+        for (const auto& [key, node] : baton.directoriesByPath)
+            directories.push_back(node);
+        aggregateStatii(baton.statii, baton.repositoryStatii, directories);
+    }
+}
+
+namespace {
+
+template <class Vector, class Element>
+void eraseLast(Vector& vector, const Element& element)
+{
+    const auto found = std::find(vector.rbegin(), vector.rend(), element);
+    if (found != vector.rend())
+        vector.erase(std::next(found).base());
+}
+
+// The array form's result: a directory reported twice keeps its last node.
+struct NodeCollector {
+    const std::string& rootPath;
+    LuSVNNode::Nodes nodes;
+    std::unordered_map<std::string, std::shared_ptr<LuSVNDirectory>> directoriesByPath;
+    std::shared_ptr<LuSVNDirectory> rootNode;
+    LuSVNNode::Nodes conflictedNodes;
+
+    void add(const std::shared_ptr<LuSVNNode>& node)
+    {
+        if (node->isDirectory()) {
+            auto directory = std::static_pointer_cast<LuSVNDirectory>(node);
+            const std::string& key = node->path()->string();
+            auto& entry = directoriesByPath[key];
+            if (entry)
+                eraseLast(nodes, std::shared_ptr<LuSVNNode>(entry));
+            entry = directory;
+            if (key == rootPath)
+                rootNode = directory;
+        }
+        const LuSVNStatus& status = *node->status();
+        if (status.textStatus() == LuSVNStatusConflicted || status.propertyStatus() == LuSVNStatusConflicted)
+            conflictedNodes.push_back(node);
+        nodes.push_back(node);
+    }
+};
 
 }  // namespace
 
@@ -97,37 +203,20 @@ LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath
     LUSVN_TRACE("LuSVNDirectory", "statusForNodesInDirectoryAtPath:withOptions:directory:localChangeCount:"
                 "remoteChangeCount:withContext",
                 {"path", path->string()}, {"options", options.description()}, {"context", context->description()});
-    LuSVNStatusBaton baton(context, path, options, nullptr);
-    baton.externals = externalsAbove(path, context);
-    LuSVNBackendFrame frame(context->bundle());
-    baton.pool = frame.pool();
-
-    // Counts and aggregates need the whole tree; a caller who asked for less
-    // still gets only the root's node.
-    LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
-    if (options.propagateStatusToAncestor() ||
-        (options.compareAgainstRepository() && !options.recursive() && options.includeNormalFiles())) {
-        call.recursive = true;
-        baton.rootOnly = !options.recursive();
-    }
-    LuSVNReportStatus(*context, path, options, call, LuSVNStatusFunc, &baton, baton.pending, frame.pool(),
-                      &baton.externals);
-
+    const LocalPath root = absolutePath(path);
+    NodeCollector collector{root->string(), {}, {}, nullptr, {}};
+    // Working copies of many thousand items are walked.
+    collector.nodes.reserve(5000);
+    collector.directoriesByPath.reserve(500);
+    reportStatusForNodesInDirectoryAtPath(
+        root, options, [&collector](const std::shared_ptr<LuSVNNode>& node) { collector.add(node); },
+        localChangeCount, remoteChangeCount, context);
     if (directory)
-        *directory = baton.rootNode;
-    if (localChangeCount) {
-        std::uint32_t extraFiles = 0;
-        for (const std::string& file : baton.conflictFiles)
-            extraFiles += baton.unversionedPaths.contains(file);
-        *localChangeCount = baton.localChangeCount - extraFiles;
-    }
-    if (remoteChangeCount)
-        *remoteChangeCount = baton.remoteChangeCount;
+        *directory = collector.rootNode;
+    // Extra files reported before their conflicted item.
     if (!options.includeConflictVersionFiles())
-        removeVersionConflictFilesFromArray(baton.nodes, baton.conflictedNodes);
-    if (options.propagateStatusToAncestor())
-        aggregateStatii(baton.statii, baton.repositoryStatii, baton.directories);
-    return std::move(baton.nodes);
+        removeVersionConflictFilesFromArray(collector.nodes, collector.conflictedNodes);
+    return std::move(collector.nodes);
 }
 
 LuSVNNode::Nodes LuSVNDirectory::statusForNodesInDirectoryAtPath(const LocalPath& path,
@@ -238,6 +327,7 @@ struct NodeStatusBaton {
     std::string target;
     LuSVNPathStrings externals;
     std::shared_ptr<LuSVNNode> node;
+    LuSVNStatusMoves moves;
     std::exception_ptr pending;
 };
 
@@ -253,6 +343,7 @@ void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* st
         if ((!status->entry || status->entry->kind == svn_node_dir) && collector->externals.contains(collector->target))
             status->text_status = svn_wc_status_external;
         collector->node = LuSVNNode::nodeAtPath(itemPath, status, collector->context);
+        LuSVNStatusSetMoves(*collector->node->status(), collector->moves);
     } catch (...) {
         collector->pending = std::current_exception();
     }
@@ -260,14 +351,15 @@ void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* st
 
 }  // namespace
 
-std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const LocalPath& path,
+std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const LocalPath& givenPath,
                                                                          const LuSVNStatusOptions& options,
                                                                          const Context& context)
 {
-    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(givenPath != nullptr, "path != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", path->string()},
+    LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", givenPath->string()},
                 {"options", options.description()}, {"context", context->description()});
+    const LocalPath path = absolutePath(givenPath);
     DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), externalsAbove(path, context),
                                nullptr, 0, 0, nullptr};
     LuSVNBackendFrame frame(context->bundle());
@@ -291,19 +383,21 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const L
     return baton.directory;
 }
 
-std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
+std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& givenPath, const LuSVNStatusOptions& options,
                                                            const Context& context)
 {
-    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(givenPath != nullptr, "path != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", path->string()},
+    LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", givenPath->string()},
                 {"options", options.description()}, {"context", context->description()});
-    NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, nullptr};
+    const LocalPath path = absolutePath(givenPath);
+    NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, {}, nullptr};
     LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
     call.itemOnly = true;
     call.getAll = true;
     LuSVNBackendFrame frame(context->bundle());
-    LuSVNReportStatus(*context, path, options, call, LuTesseraNodeStatusFunc, &baton, baton.pending, frame.pool());
+    LuSVNReportStatus(*context, path, options, call, LuTesseraNodeStatusFunc, &baton, baton.pending, frame.pool(),
+                      nullptr, &baton.moves);
     return baton.node;
 }
 

@@ -23,37 +23,55 @@
 
 using LuSVNPathStrings = std::unordered_set<std::string>;
 
+/// The two ends of a move of the record being handed over, for which the
+/// older record form has no room: set by the dispatch of backends 1.7 and
+/// later for the duration of one callback (absolute paths or null), null
+/// otherwise.
+struct LuSVNStatusMoves {
+    const char* movedFrom = nullptr;
+    const char* movedTo = nullptr;
+};
+
+/// Puts the moves on a status made from the record they came with.
+void LuSVNStatusSetMoves(LuSVNStatus& status, const LuSVNStatusMoves& moves);
+
 /// One walk's state; lives on the walking thread's stack for one backend call.
+/// Nodes go to the handler as they are made; the walk keeps path texts only,
+/// and the directory nodes when their aggregates are asked for.
 struct LuSVNStatusBaton {
     std::shared_ptr<LuSVNContext> context;
     LuSVNStatusNodeMaker maker;
     apr_pool_t* pool = nullptr;
-    std::shared_ptr<LuSVNDirectory> rootNode;
+    const LuSVNDirectory::NodeHandler* handler = nullptr;
     LuSVNNode::LocalPath rootPath;
-    LuSVNNode::Nodes nodes;
-    LuSVNDirectory::Directories directories;
-    std::unordered_map<std::string, std::shared_ptr<LuSVNDirectory>> directoriesByPath;
+    /// Every directory handed over, placeholders included.
+    LuSVNPathStrings reportedDirectories;
+    /// Reported directories (not placeholders) with text status external.
+    LuSVNPathStrings externalMarks;
     LuSVNPathStrings placeholders;
+    /// The last directory handed over for each path, with propagation only.
+    std::unordered_map<std::string, std::shared_ptr<LuSVNDirectory>> directoriesByPath;
     const LuSVNStatusOptions* options = nullptr;
     LuSVNPathStrings externals;
     bool rootOnly = false;
     std::uint32_t localChangeCount = 0;
     std::uint32_t remoteChangeCount = 0;
-    LuSVNNode::Nodes conflictedNodes;
     LuSVNPathStrings conflictFiles;
     LuSVNPathStrings unversionedPaths;
     LuSVNDirectory::StatiiByPath statii;
     LuSVNDirectory::StatiiByPath repositoryStatii;
+    LuSVNStatusMoves moves;
     std::exception_ptr pending;
 
     LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
-                     const LuSVNStatusOptions& walkOptions, apr_pool_t* walkPool);
+                     const LuSVNStatusOptions& walkOptions, const LuSVNDirectory::NodeHandler& nodeHandler);
 };
 
 /// The callback of the older interface (svn_wc_status_func2_t) and the walk's
-/// per-item work for every backend: marks externals, counts, propagates and
-/// makes the node. An exception is kept in the baton and later items are
-/// ignored; the walk rethrows it once the backend has returned.
+/// per-item work for every backend: marks externals, counts, propagates,
+/// makes the node and hands it over. An exception (the handler's too) is kept
+/// in the baton and later items are ignored; the walk rethrows it once the
+/// backend has returned.
 void LuSVNStatusFunc(void* baton, const char* path, svn_wc_status2_t* status);
 
 /// ORs a and b into *aggregate; whether the word changed.
@@ -93,7 +111,9 @@ struct LuSVNStatusCall {
 /// walks, before any item of it is handed over: Subversion announces each
 /// (svn_wc_notify_status_external) to the context's notification function,
 /// which the call wraps for its duration. Reading the definitions of the
-/// whole tree instead would cost a tenth of the walk.
+/// whole tree instead would cost a tenth of the walk. `moves`, when given,
+/// holds the moves of each record while `func` runs.
 void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
                        const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
-                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals = nullptr);
+                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals = nullptr,
+                       LuSVNStatusMoves* moves = nullptr);

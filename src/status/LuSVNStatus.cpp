@@ -123,6 +123,8 @@ void LuSVNStatus::encodeWithCoder(LuSVNCoder& coder) const
     coder.encodeObject(repositoryLock(), "repositoryLock");
     coder.encodeString(changelist(), "changelist");
     coder.encodeObject(treeConflict(), "treeConflict");
+    coder.encodeString(movedFromPath(), "movedFromPath");
+    coder.encodeString(movedToPath(), "movedToPath");
 }
 
 std::shared_ptr<LuSVNStatus> LuSVNStatus::initWithCoder(LuSVNCoder& coder)
@@ -173,6 +175,8 @@ std::shared_ptr<LuSVNStatus> LuSVNStatus::initWithCoder(LuSVNCoder& coder)
     result->setRepositoryLock(coder.decodeObjectOfClassForKey<LuSVNLock>("repositoryLock"));
     result->setChangelist(coder.decodeStringForKey("changelist"));
     result->setTreeConflict(coder.decodeObjectOfClassForKey<LuSVNConflict>("treeConflict"));
+    result->setMovedFromPath(coder.decodeStringForKey("movedFromPath"));
+    result->setMovedToPath(coder.decodeStringForKey("movedToPath"));
     return result;
 }
 

@@ -37,50 +37,35 @@ void LuSVNStatusAddMissingParentDirectoriesForNode(const LuSVNNode& node, LuSVNS
     for (auto parent = std::static_pointer_cast<const LuSVNLocalPath>(node.path()->parent()); parent;
          parent = std::static_pointer_cast<const LuSVNLocalPath>(parent->parent())) {
         const std::string& key = parent->string();
-        if (baton.directoriesByPath.contains(key) || !parent->isDescendentOfPath(baton.rootPath))
+        if (baton.reportedDirectories.contains(key) || !parent->isDescendentOfPath(baton.rootPath))
             return;
         auto placeholder = LuSVNDirectory::nodeWithPath(parent);
         auto status = LuSVNStatus::unversioned();
         status->setTextStatus(LuSVNStatusExternal);
         placeholder->setStatus(std::move(status));
-        baton.directoriesByPath.emplace(key, placeholder);
+        baton.reportedDirectories.insert(key);
         baton.placeholders.insert(key);
-        baton.directories.push_back(placeholder);
-        baton.nodes.push_back(placeholder);
+        if (baton.options->propagateStatusToAncestor())
+            baton.directoriesByPath[key] = placeholder;
+        (*baton.handler)(placeholder);
     }
-}
-
-template <class Vector, class Element>
-void eraseLast(Vector& vector, const Element& element)
-{
-    const auto found = std::find(vector.rbegin(), vector.rend(), element);
-    if (found != vector.rend())
-        vector.erase(std::next(found).base());
 }
 
 // A directory reported twice (an external, once from its parent as external
-// and once from inside; or a placeholder reported for real) keeps one node:
-// the newer, with the external mark of a real earlier report.
+// and once from inside) keeps the external mark of the real earlier report.
 void enterDirectory(const std::shared_ptr<LuSVNDirectory>& directory, LuSVNStatusBaton& baton)
 {
     const std::string& key = directory->path()->string();
-    const auto earlier = baton.directoriesByPath.find(key);
-    if (earlier != baton.directoriesByPath.end()) {
-        const bool placeholder = baton.placeholders.erase(key) != 0;
-        if (!placeholder && earlier->second->status()->textStatus() == LuSVNStatusExternal)
-            directory->status()->setTextStatus(LuSVNStatusExternal);
-        const std::shared_ptr<LuSVNNode> earlierNode = earlier->second;
-        eraseLast(baton.nodes, earlierNode);
-        eraseLast(baton.directories, earlier->second);
-        earlier->second = directory;
-    } else {
-        baton.directoriesByPath.emplace(key, directory);
-    }
-    baton.directories.push_back(directory);
-    if (directory->status()->textStatus() == LuSVNStatusExternal)
+    const bool placeholder = baton.placeholders.erase(key) != 0;
+    if (!placeholder && baton.externalMarks.contains(key))
+        directory->status()->setTextStatus(LuSVNStatusExternal);
+    baton.reportedDirectories.insert(key);
+    if (baton.options->propagateStatusToAncestor())
+        baton.directoriesByPath[key] = directory;
+    if (directory->status()->textStatus() == LuSVNStatusExternal) {
+        baton.externalMarks.insert(key);
         LuSVNStatusAddMissingParentDirectoriesForNode(*directory, baton);
-    if (key == baton.rootPath->string())
-        baton.rootNode = directory;
+    }
 }
 
 void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* status)
@@ -132,12 +117,14 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
             return;
     }
 
+    // A conflict's extra file follows its conflicted item in path order.
+    if (!options.includeConflictVersionFiles() && baton.conflictFiles.contains(key))
+        return;
     const auto node = baton.maker.nodeAtPath(path, status);
+    LuSVNStatusSetMoves(*node->status(), baton.moves);
     if (node->isDirectory())
         enterDirectory(std::static_pointer_cast<LuSVNDirectory>(node), baton);
-    if (status->text_status == svn_wc_status_conflicted || status->prop_status == svn_wc_status_conflicted)
-        baton.conflictedNodes.push_back(node);
-    baton.nodes.push_back(node);
+    (*baton.handler)(node);
 }
 
 // What the 1.7 callback needs to hand a record on in the older form.
@@ -147,6 +134,7 @@ struct ClientStatusForward {
     svn_client_ctx_t* ctx;
     std::exception_ptr* pending;
     LuSVNReplacedItems replaced;
+    LuSVNStatusMoves* moves;
 };
 
 svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_client_status_t* status,
@@ -159,8 +147,12 @@ svn_error_t* LuSVNClientStatusFunc(void* baton, const char* path, const svn_clie
         LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
         if (svn_error_t* error = LuSVNClientStatusToWCStatus(
                 forward->ctx, path, status, pool, forward->replaced,
-                [forward](const char* itemPath, svn_wc_status2_t* record) {
+                [forward, status](const char* itemPath, svn_wc_status2_t* record) {
+                    if (forward->moves)
+                        *forward->moves = {status->moved_from_abspath, status->moved_to_abspath};
                     forward->func(forward->baton, itemPath, record);
+                    if (forward->moves)
+                        *forward->moves = {};
                 }))
             return error;
         // The handler keeps its exceptions; stop the walk at the first.
@@ -211,14 +203,13 @@ struct ExternalsListener {
 }  // namespace
 
 LuSVNStatusBaton::LuSVNStatusBaton(std::shared_ptr<LuSVNContext> walkContext, LuSVNNode::LocalPath root,
-                                   const LuSVNStatusOptions& walkOptions, apr_pool_t* walkPool)
-    : context(std::move(walkContext)), maker(*context), pool(walkPool),
-      rootPath(std::move(root)), options(&walkOptions)
+                                   const LuSVNStatusOptions& walkOptions,
+                                   const LuSVNDirectory::NodeHandler& nodeHandler)
+    : context(std::move(walkContext)), maker(*context), handler(&nodeHandler), rootPath(std::move(root)),
+      options(&walkOptions)
 {
     // Working copies of many thousand items are walked.
-    nodes.reserve(5000);
-    directories.reserve(500);
-    directoriesByPath.reserve(500);
+    reportedDirectories.reserve(500);
     statii.reserve(500);
     repositoryStatii.reserve(500);
 }
@@ -236,6 +227,14 @@ void LuSVNStatusFunc(void* baton, const char* path, svn_wc_status2_t* status)
     } catch (...) {
         walk->pending = std::current_exception();
     }
+}
+
+void LuSVNStatusSetMoves(LuSVNStatus& status, const LuSVNStatusMoves& moves)
+{
+    if (moves.movedFrom)
+        status.setMovedFromPath(std::string(moves.movedFrom));
+    if (moves.movedTo)
+        status.setMovedToPath(std::string(moves.movedTo));
 }
 
 bool LuSVNStatusAggregate(std::uint32_t a, std::uint32_t b, std::uint32_t* aggregate)
@@ -286,7 +285,8 @@ LuSVNStatusCall LuSVNStatusCall::withOptions(const LuSVNStatusOptions& options)
 
 void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, const LuSVNStatusOptions& options,
                        const LuSVNStatusCall& call, svn_wc_status_func2_t func, void* baton,
-                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals)
+                       std::exception_ptr& pending, apr_pool_t* pool, LuSVNPathStrings* externals,
+                       LuSVNStatusMoves* moves)
 {
     std::optional<ExternalsListener> listener;
     if (externals)
@@ -297,7 +297,7 @@ void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, 
     if (context.bundleVersion()->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())) {
         const svn_depth_t depth =
             call.itemOnly ? svn_depth_empty : call.recursive ? svn_depth_infinity : svn_depth_immediates;
-        ClientStatusForward forward{func, baton, context.ctx(), &pending, {}};
+        ClientStatusForward forward{func, baton, context.ctx(), &pending, {}, moves};
         forward.replaced.recursive = depth == svn_depth_infinity;
         error = LuSVNEntry<70>()(nullptr, context.ctx(), target, &revision, depth, call.getAll, call.update,
                                  call.noIgnore, call.ignoreExternals, call.depthAsSticky, nullptr,

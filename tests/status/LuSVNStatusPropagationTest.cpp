@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "StatusFixture.h"
 
 namespace {
@@ -82,6 +84,46 @@ TEST_F(StatusPropagation, ExternalsAndTheirPlaceholders)
         expectAgreement(result, expected, fields, !c.compare);
         EXPECT_EQ(result.localChanges, expectedLocalChanges(expected, {}));
         EXPECT_EQ(result.remoteChanges, 0u);
+    }
+}
+
+// Streamed, an external directory reported from inside too comes twice,
+// both times external, and the placeholders leading to an external come just
+// before it, nearest first; the array keeps each directory once.
+TEST_F(StatusPropagation, StreamHandsOverExternalsTwiceAndPlaceholdersBeforeThem)
+{
+    const auto external = fixture->item("deep/er/ext");
+    const auto pathsOf = [](const Walk& walk) {
+        std::vector<std::string> paths;
+        for (const auto& node : walk.nodes)
+            paths.push_back(node->path()->string());
+        return paths;
+    };
+    LuSVNStatusOptions options;
+    const auto changed = pathsOf(stream(fixture->workingCopy(), options, context()));
+    const auto first = std::find(changed.begin(), changed.end(), external);
+    ASSERT_GE(first - changed.begin(), 2) << ::testing::PrintToString(changed);
+    EXPECT_EQ(*(first - 2), fixture->item("deep/er"));
+    EXPECT_EQ(*(first - 1), fixture->item("deep"));
+
+    options.setIncludeNormalFiles(true);
+    const Walk everything = stream(fixture->workingCopy(), options, context());
+    const auto paths = pathsOf(everything);
+    EXPECT_EQ(std::count(paths.begin(), paths.end(), external), 2) << ::testing::PrintToString(paths);
+    for (const auto& node : everything.nodes) {
+        if (node->path()->string() == external) {
+            EXPECT_EQ(node->status()->textStatus(), LuSVNStatusExternal);
+        }
+    }
+
+    for (const bool propagate : {false, true}) {
+        for (const bool includeNormal : {false, true}) {
+            SCOPED_TRACE(std::string(propagate ? "propagated" : "plain") + (includeNormal ? " -v" : ""));
+            options.setPropagateStatusToAncestor(propagate);
+            options.setIncludeNormalFiles(includeNormal);
+            expectStreamAgreesWithArray(fixture->workingCopy(), options, context());
+            expectStreamAgreesWithArray(fixture->item("deep"), options, context());
+        }
     }
 }
 

@@ -203,6 +203,8 @@ TEST(LuSVNStatus, ArchiveAndCopyKeepEveryField)
     status->setTreeConflict(treeConflict());
     status->setWorkingRevision(13);
     status->setChangelist("review");
+    status->setMovedFromPath("/wc/old name.c");
+    status->setMovedToPath("/wc/sub/new.c");
 
     const auto restored =
         LuSVNKeyedUnarchiver::unarchiveObjectOfClass<LuSVNStatus>(LuSVNKeyedArchiver::archivedDataWithRootObject(*status));
@@ -217,6 +219,8 @@ TEST(LuSVNStatus, ArchiveAndCopyKeepEveryField)
         EXPECT_EQ(copy->lastChangedRevision(), 12);
         EXPECT_EQ(copy->workingRevision(), 13);
         EXPECT_EQ(copy->changelist(), "review");
+        EXPECT_EQ(copy->movedFromPath(), "/wc/old name.c");
+        EXPECT_EQ(copy->movedToPath(), "/wc/sub/new.c");
         EXPECT_EQ(copy->lastChangedDate(), at(1'000'001));
         EXPECT_EQ(copy->lastChangedAuthor(), "alice");
         EXPECT_TRUE(copy->isLocked());
@@ -264,6 +268,8 @@ TEST(LuSVNStatus, ArchiveAndCopyKeepEveryField)
     EXPECT_FALSE(otherRestored->hasPropertyModifications());
     EXPECT_TRUE(otherRestored->isFileExternal());
     EXPECT_FALSE(otherRestored->lastChangedDate().has_value());
+    EXPECT_FALSE(otherRestored->movedFromPath().has_value());
+    EXPECT_FALSE(otherRestored->movedToPath().has_value());
     EXPECT_EQ(otherRestored->lastChangedRevision(), LuSVNInvalidRevision);
 
     // A copy is a record of its own, the fields that are kept apart included.

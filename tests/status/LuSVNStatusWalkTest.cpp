@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 
 #include "StatusFixture.h"
 
@@ -296,6 +297,147 @@ TEST_F(StatusWalk, StickyDepthReportsWhatSparseDirectoriesNeverFetched)
         EXPECT_EQ(kind, LuSVNStatusAdded) << path;
     options.setDepthIsSticky(false);
     EXPECT_TRUE(belowSparse(walk(fixture->workingCopy(), options, contextFor(nullptr))).empty());
+}
+
+// The streaming walk hands over what the array holds, for every option set,
+// with and without propagation and (in path order) the conflicts' extra
+// files, on the newest and the oldest interface.
+TEST_F(StatusWalk, StreamHandsOverWhatTheArrayHolds)
+{
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_4_6}) {
+        const auto context = contextFor(bundle);
+        for (const OptionRow& row : optionRows()) {
+            for (const bool propagate : {false, true}) {
+                for (const bool extraFiles : {true, false}) {
+                    // Against the repository an extra file may come before
+                    // its conflicted item, and then through the stream.
+                    if (row.remote && !extraFiles)
+                        continue;
+                    SCOPED_TRACE(std::string(bundle ? bundle : "newest") + ": " + row.name +
+                                 (propagate ? ", propagated" : "") + (extraFiles ? "" : ", no conflict files"));
+                    LuSVNStatusOptions options = optionsOf(row.set);
+                    options.setPropagateStatusToAncestor(propagate);
+                    options.setIncludeConflictVersionFiles(extraFiles);
+                    expectStreamAgreesWithArray(fixture->workingCopy(), options, context);
+                }
+            }
+        }
+    }
+}
+
+// An exception of the handler ends the walk and reaches the caller as it
+// was thrown; no node follows it, and the context walks again afterwards.
+TEST_F(StatusWalk, HandlerExceptionStopsTheStream)
+{
+    struct Enough {
+        int calls;
+    };
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_4_6}) {
+        SCOPED_TRACE(bundle ? bundle : "newest");
+        const auto context = contextFor(bundle);
+        LuSVNStatusOptions options;
+        options.setIncludeNormalFiles(true);
+        std::uint32_t local = 12345;
+        int calls = 0;
+        try {
+            LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+                LuSVNLocalPath::pathWithString(fixture->workingCopy()), options,
+                [&](const std::shared_ptr<LuSVNNode>&) {
+                    if (++calls == 3)
+                        throw Enough{calls};
+                },
+                &local, nullptr, context);
+            ADD_FAILURE() << "no exception";
+        } catch (const Enough& enough) {
+            EXPECT_EQ(enough.calls, 3);
+        }
+        EXPECT_EQ(calls, 3);
+        EXPECT_EQ(local, 12345u);
+        EXPECT_FALSE(walk(fixture->workingCopy(), options, context).nodes.empty());
+    }
+    EXPECT_THROW(LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+                     LuSVNLocalPath::pathWithString(fixture->workingCopy()), LuSVNStatusOptions(), nullptr,
+                     nullptr, nullptr, contextFor(nullptr)),
+                 LuSVNInternalInconsistencyException);
+}
+
+// Moves of a file, a directory, a file inside the moved directory and two
+// files that swapped places carry svn's moved-from and moved-to paths (svn
+// shows them absolute for an absolute target); the older interface has no
+// room for them.
+TEST_F(StatusWalk, MovesAsSvnShowsThem)
+{
+    tessera_test::TemporaryDirectory directory;
+    const std::string url = tessera_test::makeRepository(directory / "repo");
+    ASSERT_EQ(tessera_test::svn({"mkdir", "-q", "-m", "tree", "--parents", url + "/a/b/c", url + "/d"}).status, 0);
+    const std::string wc = directory / "wc";
+    tessera_test::checkout(url, wc);
+    for (const char* name : {"a/one", "a/two", "a/three", "a/b/in b"})
+        tessera_test::writeFile(wc + "/" + name, name);
+    const std::vector<std::vector<std::string>> commands = {
+        {"add", "-q", wc + "/a/one", wc + "/a/two", wc + "/a/three", wc + "/a/b/in b"},
+        {"commit", "-q", "-m", "files", wc},
+        {"update", "-q", wc},
+        {"move", "-q", wc + "/a/one", wc + "/d/one moved"},
+        {"move", "-q", wc + "/a/b", wc + "/d/b"},
+        {"move", "-q", wc + "/d/b/in b", wc + "/d/b/c/in c"},
+        {"move", "-q", wc + "/a/two", wc + "/a/swap"},
+        {"move", "-q", wc + "/a/three", wc + "/a/two"},
+        {"move", "-q", wc + "/a/swap", wc + "/a/three"},
+    };
+    for (const auto& command : commands)
+        ASSERT_EQ(tessera_test::svn(command).status, 0) << command.front();
+
+    std::map<std::string, std::pair<std::string, std::string>> expected;
+    for (const ClientEntry& entry : clientStatusReport(wc, {}))
+        if (!entry.status.movedFrom.empty() || !entry.status.movedTo.empty())
+            expected[entry.path] = {entry.status.movedFrom, entry.status.movedTo};
+    ASSERT_EQ(expected.size(), 8u);  // both ends of one, b and in b; two and three
+    for (const char* bundle : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_6_23}) {
+        SCOPED_TRACE(bundle ? bundle : "newest");
+        std::map<std::string, std::pair<std::string, std::string>> moves;
+        for (const auto& node : stream(wc, LuSVNStatusOptions(), contextFor(bundle)).nodes) {
+            const LuSVNStatus& status = *node->status();
+            if (status.movedFromPath() || status.movedToPath())
+                moves[node->path()->string()] = {status.movedFromPath().value_or(""),
+                                                 status.movedToPath().value_or("")};
+        }
+        EXPECT_EQ(moves, bundle ? decltype(moves){} : expected);
+    }
+    const auto node = LuSVNNode::nodeWithStatusAtPath(LuSVNLocalPath::pathWithString(wc + "/d/b"),
+                                                      LuSVNStatusOptions(), contextFor(nullptr));
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->status()->movedFromPath(), wc + "/a/b");
+}
+
+// A relative path is taken from the current directory: the same nodes, with
+// absolute paths and the root found, as for the absolute path.
+TEST_F(StatusWalk, RelativePathsAreTakenFromTheCurrentDirectory)
+{
+    const auto context = contextFor(nullptr);
+    LuSVNStatusOptions options;
+    options.setPropagateStatusToAncestor(true);
+    const Walk absolute = walk(fixture->workingCopy(), options, context);
+    const auto here = std::filesystem::current_path();
+    std::filesystem::current_path(fixture->item("sub"));
+    for (const char* relative : {"..", "../", "../sub/..", "./.."}) {
+        SCOPED_TRACE(relative);
+        const Walk result = walk(relative, options, context);
+        ASSERT_EQ(result.nodes.size(), absolute.nodes.size());
+        for (std::size_t i = 0; i < result.nodes.size(); ++i)
+            EXPECT_EQ(result.nodes[i]->path()->string(), absolute.nodes[i]->path()->string());
+        ASSERT_NE(result.root, nullptr);
+        EXPECT_EQ(result.root->aggregateChildStatus(), absolute.root->aggregateChildStatus());
+        const auto directory = LuSVNDirectory::statusForDirectoryAtPath(LuSVNLocalPath::pathWithString(relative),
+                                                                        LuSVNStatusOptions(), context);
+        ASSERT_NE(directory, nullptr);
+        EXPECT_EQ(directory->path()->string(), fixture->workingCopy());
+    }
+    const auto file = LuSVNNode::nodeWithStatusAtPath(LuSVNLocalPath::pathWithString("file.txt"),
+                                                      LuSVNStatusOptions(), context);
+    std::filesystem::current_path(here);
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->path()->string(), fixture->item("sub/file.txt"));
 }
 
 // The single-item queries agree with svn status --depth empty of the item.

@@ -189,6 +189,10 @@ std::vector<ClientEntry> clientStatusReport(const std::string& path, const std::
                 status.treeConflicted = value == "true";
             else if (name == "revision")
                 status.revision = std::stol(value);
+            else if (name == "moved-from")
+                status.movedFrom = value;
+            else if (name == "moved-to")
+                status.movedTo = value;
         }
         const std::string inner = (*match)[3];
         status.locked = inner.find("<lock>") != std::string::npos;
@@ -332,6 +336,67 @@ Walk walk(const std::string& path, const LuSVNStatusOptions& options, const std:
                                                                    &result.root, &result.localChanges,
                                                                    &result.remoteChanges, context);
     return result;
+}
+
+Walk stream(const std::string& path, const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context)
+{
+    Walk result;
+    LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+        LuSVNLocalPath::pathWithString(path), options,
+        [&](const std::shared_ptr<LuSVNNode>& node) {
+            if (node->isDirectory() && node->path()->string() == LuSVNLocalPath::pathWithString(path)->string())
+                result.root = std::static_pointer_cast<LuSVNDirectory>(node);
+            result.nodes.push_back(node);
+        },
+        &result.localChanges, &result.remoteChanges, context);
+    return result;
+}
+
+LuSVNNode::Nodes keptOnce(const LuSVNNode::Nodes& streamed)
+{
+    LuSVNNode::Nodes kept;
+    for (const auto& node : streamed) {
+        if (node->isDirectory())
+            std::erase_if(kept, [&](const std::shared_ptr<LuSVNNode>& earlier) {
+                return earlier->isDirectory() && earlier->path()->string() == node->path()->string();
+            });
+        kept.push_back(node);
+    }
+    return kept;
+}
+
+void expectStreamAgreesWithArray(const std::string& path, const LuSVNStatusOptions& options,
+                                 const std::shared_ptr<LuSVNContext>& context)
+{
+    const Walk array = walk(path, options, context);
+    const Walk streamed = stream(path, options, context);
+    const auto describe = [](const LuSVNNode::Nodes& nodes) {
+        std::vector<std::string> lines;
+        for (const auto& node : nodes) {
+            std::string line = node->path()->string() + " " + std::to_string(node->status()->textStatus()) + " " +
+                               std::to_string(node->status()->propertyStatus());
+            if (const auto directory = std::dynamic_pointer_cast<LuSVNDirectory>(node))
+                line += " [" + std::to_string(directory->aggregateChildStatus()) + " " +
+                        std::to_string(directory->aggregateRepositoryChildStatus()) + "]";
+            lines.push_back(line);
+        }
+        return lines;
+    };
+    auto expected = describe(array.nodes);
+    auto actual = describe(keptOnce(streamed.nodes));
+    // Against the repository the order follows its answer, which may differ
+    // from one run to the next.
+    if (options.compareAgainstRepository()) {
+        std::sort(expected.begin(), expected.end());
+        std::sort(actual.begin(), actual.end());
+    }
+    EXPECT_EQ(actual, expected);
+    EXPECT_EQ(streamed.localChanges, array.localChanges);
+    EXPECT_EQ(streamed.remoteChanges, array.remoteChanges);
+    ASSERT_EQ(streamed.root == nullptr, array.root == nullptr);
+    if (array.root) {
+        EXPECT_EQ(streamed.root->aggregateChildStatus(), array.root->aggregateChildStatus());
+    }
 }
 
 LuSVNStatusKind repositoryKindNamed(const std::string& name)

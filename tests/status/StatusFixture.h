@@ -107,6 +107,9 @@ struct ClientStatus {
     long commitRevision = -1;
     std::optional<std::string> commitAuthor;
     std::optional<std::string> commitDate;
+    // The other ends of a move, as svn shows them; empty where svn shows none.
+    std::string movedFrom;
+    std::string movedTo;
 };
 
 /// One entry of `svn status --xml`, in svn's order; a path that svn reports
@@ -152,6 +155,20 @@ struct Walk {
 };
 
 Walk walk(const std::string& path, const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context);
+
+/// What LuSVNDirectory::reportStatusForNodesInDirectoryAtPath hands over, in
+/// order, and its counts.
+Walk stream(const std::string& path, const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context);
+
+/// The streamed nodes as the array form keeps them: of a directory handed
+/// over twice, the last node only.
+LuSVNNode::Nodes keptOnce(const LuSVNNode::Nodes& streamed);
+
+/// The array form and the streaming form of one walk agree: the same nodes
+/// (paths, kinds, aggregates) in the same order, after keptOnce, the same
+/// root and counts.
+void expectStreamAgreesWithArray(const std::string& path, const LuSVNStatusOptions& options,
+                                 const std::shared_ptr<LuSVNContext>& context);
 
 /// One path of svn's report and what the walk must make of it.
 struct ExpectedItem {

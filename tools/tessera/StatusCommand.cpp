@@ -1,18 +1,23 @@
 // tessera status: one library status walk per target, printed as the svn
 // client prints its status (or its XML), plus --json and --aggregates.
 //
-// The walk hands back nodes in the backend's order; the sections that svn
-// prints around externals come from the walk's own notifications (status
-// external, status completed), which arrive in the order svn prints them.
+// The streaming walk hands over nodes in the backend's order, and they are
+// printed as they come, so memory does not grow with the size of the tree;
+// the sections that svn prints around externals come from the walk's own
+// notifications (status external, status completed), which arrive between
+// the nodes in the order svn prints them.
 #include "StatusCommand.h"
 
 #include <tessera/Tessera.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -65,11 +70,16 @@ struct Settings {
 
 // --- Output -------------------------------------------------------------------
 
+// A failed write to standard output, with the system's error number.
+struct WriteError {
+    int code;
+};
+
 // One buffer written in large pieces: a status of many items is mostly output.
+// A write that fails raises WriteError, which ends the walk.
 class Output {
 public:
     Output() { buffer_.reserve(1 << 16); }
-    ~Output() { flush(); }
     std::string& buffer() { return buffer_; }
     void maybeFlush()
     {
@@ -78,9 +88,10 @@ public:
     }
     void flush()
     {
-        if (!buffer_.empty())
-            std::fwrite(buffer_.data(), 1, buffer_.size(), stdout);
+        const bool written = buffer_.empty() || std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) == buffer_.size();
         buffer_.clear();
+        if (!written || std::fflush(stdout) != 0)
+            throw WriteError{errno};
     }
 
 private:
@@ -107,9 +118,15 @@ void appendPadded(std::string& out, std::string_view text, int width)
         out.append(pad, ' ');
 }
 
+// svn's XML escaping: of text, and (`attribute`) of attribute values, where
+// quotes, line feeds and tabs are escaped too, so that a parser reads them back.
 void appendEscaped(std::string& out, std::string_view text, bool attribute)
 {
     for (const char c : text) {
+        if (attribute && (c == '\n' || c == '\t')) {
+            out += c == '\n' ? "&#10;" : "&#9;";
+            continue;
+        }
         switch (c) {
         case '&': out += "&amp;"; break;
         case '<': out += "&lt;"; break;
@@ -303,6 +320,17 @@ bool isOutOfDate(const LuSVNStatus& status)
     return isAbnormalKind(status.repositoryTextStatus()) || isAbnormalKind(status.repositoryPropertyStatus());
 }
 
+// Whether a walk without the unchanged items reports the node (Subversion's
+// test of an item worth sending).
+bool reportedWithoutAll(const LuSVNNode& node)
+{
+    const LuSVNStatus& status = *node.status();
+    const LuSVNStatusKind text = status.textStatus();
+    return isOutOfDate(status) || status.repositoryLock() || status.treeConflict() ||
+           (text != LuSVNStatusNone && text != LuSVNStatusNormal) || isAbnormalKind(status.propertyStatus()) ||
+           status.isSwitched() || node.lock() || status.changelist() || status.movedToPath();
+}
+
 // svn_client_status_t's repos_node_status from the two repository kinds.
 LuSVNStatusKind repositoryNodeStatus(const LuSVNStatus& status)
 {
@@ -311,22 +339,6 @@ LuSVNStatusKind repositoryNodeStatus(const LuSVNStatus& status)
     if (isAbnormalKind(status.repositoryPropertyStatus()))
         return LuSVNStatusModified;
     return LuSVNStatusNone;
-}
-
-// svn_path_compare_paths: component by component, '/' before any other byte.
-bool pathLess(std::string_view a, std::string_view b)
-{
-    const std::size_t common = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        if (a[i] == b[i])
-            continue;
-        if (a[i] == '/')
-            return true;
-        if (b[i] == '/')
-            return false;
-        return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]);
-    }
-    return a.size() < b.size();
 }
 
 bool isUnder(std::string_view path, std::string_view root)
@@ -367,30 +379,57 @@ std::string canonicalDisplayPath(const std::string& text)
     return out;
 }
 
+void appendXMLLock(std::string& out, const LuSVNLock& lock)
+{
+    out += "<lock>\n<token>";
+    appendEscaped(out, lock.token(), false);
+    out += "</token>\n<owner>";
+    appendEscaped(out, lock.owner(), false);
+    out += "</owner>\n";
+    if (lock.comment()) {
+        out += "<comment>";
+        appendEscaped(out, *lock.comment(), false);
+        out += "</comment>\n";
+    }
+    if (lock.creationDate())
+        out += "<created>" + xmlDate(*lock.creationDate()) + "</created>\n";
+    if (lock.expirationDate())
+        out += "<expires>" + xmlDate(*lock.expirationDate()) + "</expires>\n";
+    out += "</lock>\n";
+}
+
+void appendAttribute(std::string& out, const char* name, std::string_view value)
+{
+    out += "\n   ";
+    out += name;
+    out += "=\"";
+    appendEscaped(out, value, true);
+    out += '"';
+}
+
 // --- One target's walk -------------------------------------------------------------
 
-// The walk's notifications, in order: externals entered, walks completed.
+// Hands the walk's notifications on: externals entered, walks completed.
 class StatusEvents final : public LuSVNNotificationHandler {
 public:
-    struct Event {
-        bool completed;
-        std::string path;
-        std::int32_t revision;
-    };
-    std::vector<Event> events;
+    using Receiver = std::function<void(bool completed, std::string path, std::int32_t revision)>;
+    explicit StatusEvents(Receiver receiver) : receiver_(std::move(receiver)) {}
 
     void contextNotify(LuSVNContext&, const LuSVNNotification& notification) override
     {
         if (notification.action() == LuSVNNotifyActionStatusCompleted)
-            events.push_back({true, {}, notification.revision()});
+            receiver_(true, {}, notification.revision());
         else if (notification.action() == LuSVNNotifyActionStatusExternal && notification.path())
-            events.push_back({false, canonicalDisplayPath(*notification.path()), LuSVNInvalidRevision});
+            receiver_(false, canonicalDisplayPath(*notification.path()), LuSVNInvalidRevision);
     }
+
+private:
+    Receiver receiver_;
 };
 
 enum class LineKind {
     Item,          // a node as the walk reported it
-    ExternalMark,  // the parent's "X" report of an external it walked into
+    ExternalMark,  // the parent's "X" report of an external that is walked later
     ExternalRoot,  // the external's own report of its root
 };
 
@@ -399,16 +438,16 @@ struct Line {
     LineKind kind;
 };
 
-struct Section {
-    std::string root;  // empty for the target's own tree
-    std::vector<Line> lines;
-};
-
 struct ChangelistItem {
-    Line line;
+    std::shared_ptr<LuSVNNode> node;
+    LineKind kind;
     std::string displayPath;
 };
 
+// Prints each node as the walk hands it over; only the items of change lists
+// (printed last, as svn does) are kept. With --aggregates a target's nodes
+// and notifications are kept until its walk ends, when the directories'
+// words are known.
 class StatusPrinter {
 public:
     StatusPrinter(const Settings& settings, Output& output) : settings_(settings), output_(output)
@@ -420,38 +459,103 @@ public:
     int run();
 
 private:
+    // A node, or a notification of the walk: an external entered (path) or
+    // a walk completed.
+    struct Event {
+        std::shared_ptr<LuSVNNode> node;
+        bool completed = false;
+        std::string path;
+        std::int32_t revision = LuSVNInvalidRevision;
+    };
+
     struct Target {
         std::string display;   // as svn shows it
         std::string absolute;  // the walk's form
-        LuSVNNode::Nodes nodes;
-        std::shared_ptr<LuSVNDirectory> root;
-        std::vector<StatusEvents::Event> events;
+        bool started = false;  // its XML or JSON opening is out
+        std::string section;   // the external being walked; empty in the target's own tree
+        bool rootPlaced = false;
+        std::shared_ptr<LuSVNDirectory> root;  // with --aggregates
+        std::unordered_set<std::string> unversionedMarks;
+        std::vector<std::shared_ptr<LuSVNNode>> candidates;  // placeholders perhaps, until the next node
+        std::optional<std::int32_t> against;
+        std::size_t jsonNodes = 0;
     };
 
     std::shared_ptr<LuSVNContext> contextForPath(const std::string& absolute);
-    bool walk(Target& target);
-    std::vector<Section> sections(const Target& target, std::vector<ChangelistItem>& changelists);
+    void walk(Target& target);
+    void receive(Event event);
+    void process(const Event& event);
+    void take(const std::shared_ptr<LuSVNNode>& node);
+    bool withinDepth(const LuSVNNode& node) const;
+    void resolveCandidates(const LuSVNNode* next);
+    void place(const std::shared_ptr<LuSVNNode>& node);
+    void placeRootForAggregates();
+    bool worthAnAggregateLine(const LuSVNNode& node) const;
+    void enterExternal(const std::string& path);
+    void complete(std::int32_t revision);
+    void startTarget();
+    void finishTarget();
     bool shown(const Line& line) const;
-    void displayPath(const Target& target, const std::string& path, std::string& out) const;
+    void displayPath(const std::string& path, std::string& out) const;
+    std::string movePath(const std::string& path) const;
+    void appendMoveLines(const LuSVNStatus& status, std::string& out) const;
     void printLine(const Line& line, std::string_view path);
     void printXMLEntry(const Line& line, std::string_view path);
-    void printJSON(const std::vector<Target>& targets);
+    void print(const Line& line, std::string_view path);
+    void printChangelists();
     std::string externalHeaderPath(const std::string& path) const;
+    // svn's notifier (external headers, "Status against revision") is off
+    // when quiet without verbose.
+    bool notifies() const { return !settings_.xml && !settings_.json && !settings_.suppressPlaceholders(); }
 
     const Settings& settings_;
     Output& output_;
     std::string currentDirectory_;
     std::map<std::string, std::shared_ptr<LuSVNContext>> contexts_;
+    std::unordered_map<std::string, LuSVNVersion> versions_;  // by directory
     unsigned textConflicts_ = 0, propertyConflicts_ = 0, treeConflicts_ = 0;
     std::string path_;  // reused for each line's path
+    Target* target_ = nullptr;
+    std::vector<Event> kept_;  // with --aggregates (or keeping_), until the walk ends
+    bool keeping_ = false;
+    std::vector<ChangelistItem> changelists_;
+    bool firstJSONTarget_ = true;
 };
+
+// The release of the working copy that holds the directory: its own, or that
+// of the nearest parent in a working copy (an unversioned directory, or one
+// reached through a versioned link, is in its parent's). Raises the
+// directory's own error when no parent is in one either.
+LuSVNVersion versionForDirectory(const std::string& directory)
+{
+    try {
+        return LuSVNNode::versionForWorkingCopyAtPath(directory);
+    } catch (const LuSVNException&) {
+        for (std::string parent = parentPath(directory); !parent.empty(); parent = parentPath(parent)) {
+            try {
+                return LuSVNNode::versionForWorkingCopyAtPath(parent);
+            } catch (const LuSVNException&) {
+                if (parent == "/")
+                    break;
+            }
+        }
+        throw;
+    }
+}
 
 std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& absolute)
 {
+    // A symbolic link is an item of its own, even one to a directory.
     std::error_code error;
-    const std::string directory =
-        std::filesystem::is_directory(absolute, error) ? absolute : parentPath(absolute);
-    const LuSVNVersion version = LuSVNNode::versionForWorkingCopyAtPath(directory);
+    const std::string directory = std::filesystem::is_directory(std::filesystem::symlink_status(absolute, error))
+                                      ? absolute
+                                      : parentPath(absolute);
+    // Many file targets share a few directories; each look opens the
+    // working copy's database.
+    auto known = versions_.find(directory);
+    if (known == versions_.end())
+        known = versions_.emplace(directory, versionForDirectory(directory)).first;
+    const LuSVNVersion& version = known->second;
     auto& context = contexts_[version.versionString()];
     if (!context) {
         context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->bundleForVersion(version), {},
@@ -462,7 +566,7 @@ std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& a
     return context;
 }
 
-bool StatusPrinter::walk(Target& target)
+void StatusPrinter::walk(Target& target)
 {
     const Depth depth = settings_.effectiveDepth();
     LuSVNStatusOptions options;
@@ -471,7 +575,8 @@ bool StatusPrinter::walk(Target& target)
     const bool wholeTree =
         depth == Depth::Infinity || settings_.aggregates || (settings_.verbose && settings_.update);
     options.setRecursive(wholeTree);
-    options.setIncludeNormalFiles(settings_.verbose);
+    // --aggregates shows the unchanged directories that hold changes too.
+    options.setIncludeNormalFiles(settings_.verbose || settings_.aggregates);
     options.setCompareAgainstRepository(settings_.update);
     options.setRespectIgnoreProperties(!settings_.noIgnore);
     // svn walks externals only at depth infinity.
@@ -482,135 +587,271 @@ bool StatusPrinter::walk(Target& target)
     options.setDepthIsSticky(false);
 
     auto context = contextForPath(target.absolute);
-    auto events = std::make_shared<StatusEvents>();
-    context->setNotificationHandler(events);
+    context->setNotificationHandler(std::make_shared<StatusEvents>(
+        [this](bool completed, std::string path, std::int32_t revision) {
+            receive({nullptr, completed, std::move(path), revision});
+        }));
+    target_ = &target;
+    kept_.clear();
+    const auto path = LuSVNLocalPath::pathWithString(target.absolute);
     try {
-        target.nodes = LuSVNDirectory::statusForNodesInDirectoryAtPath(
-            LuSVNLocalPath::pathWithString(target.absolute), options, &target.root, nullptr, nullptr, context);
+        if (depth == Depth::Empty && !settings_.aggregates) {
+            // The item alone, at svn's depth: the repository's changes below
+            // a directory do not mark it. Its line comes before the
+            // notifications of the call.
+            keeping_ = true;
+            const auto node = LuSVNNode::nodeWithStatusAtPath(path, options, context);
+            keeping_ = false;
+            if (node && (settings_.verbose || reportedWithoutAll(*node)))
+                kept_.insert(kept_.begin(), {node, false, {}, LuSVNInvalidRevision});
+        } else {
+            LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(
+                path, options,
+                [this](const std::shared_ptr<LuSVNNode>& node) { receive({node, false, {}, LuSVNInvalidRevision}); },
+                nullptr, nullptr, context);
+        }
     } catch (...) {
         context->setNotificationHandler(nullptr);
+        keeping_ = false;
+        kept_.clear();
         throw;
     }
     context->setNotificationHandler(nullptr);
-    target.events = std::move(events->events);
-
-    // Depth empty and files are cut from an immediates walk.
-    if (depth != Depth::Infinity) {
-        const std::string& root = target.absolute;
-        std::erase_if(target.nodes, [&](const std::shared_ptr<LuSVNNode>& node) {
-            const std::string& path = node->path()->string();
-            if (path == root)
-                return false;
-            if (!isUnder(path, root))
-                return true;
-            const bool child = path.find('/', root.size() + (root.back() == '/' ? 0 : 1)) == std::string::npos;
-            if (!child || depth == Depth::Empty)
-                return true;
-            return depth == Depth::Files && node->isDirectory();
-        });
+    if (settings_.aggregates) {
+        for (const Event& event : kept_)
+            if (event.node && event.node->isDirectory() && event.node->path()->string() == target.absolute)
+                target.root = std::static_pointer_cast<LuSVNDirectory>(event.node);
     }
-    return true;
+    for (const Event& event : kept_)
+        process(event);
+    kept_.clear();
+    finishTarget();
+}
+
+void StatusPrinter::receive(Event event)
+{
+    if (settings_.aggregates || keeping_)
+        kept_.push_back(std::move(event));
+    else
+        process(event);
+}
+
+void StatusPrinter::process(const Event& event)
+{
+    if (event.node)
+        take(event.node);
+    else if (event.completed)
+        complete(event.revision);
+    else
+        enterExternal(event.path);
+}
+
+// Depth empty and files are cut from an immediates walk.
+bool StatusPrinter::withinDepth(const LuSVNNode& node) const
+{
+    const Depth depth = settings_.effectiveDepth();
+    if (depth == Depth::Infinity)
+        return true;
+    const std::string& root = target_->absolute;
+    const std::string& path = node.path()->string();
+    if (path == root)
+        return true;
+    if (!isUnder(path, root))
+        return false;
+    const bool child = path.find('/', root.size() + (root.back() == '/' ? 0 : 1)) == std::string::npos;
+    if (!child || depth == Depth::Empty)
+        return false;
+    return depth != Depth::Files || !node.isDirectory();
+}
+
+void StatusPrinter::take(const std::shared_ptr<LuSVNNode>& node)
+{
+    if (!withinDepth(*node))
+        return;
+    if (settings_.json) {
+        startTarget();
+        std::string& out = output_.buffer();
+        out += target_->jsonNodes++ ? ",\n" : "\n";
+        out += LuSVNKeyedArchiver::archivedDataWithRootObject(*node);
+        output_.maybeFlush();
+        return;
+    }
+    if (!node->status())
+        return;
+    // A directory marked external without a URL may be a placeholder that
+    // the walk made for the parents of an external: the next node tells.
+    const bool candidate = !settings_.verbose && node->isDirectory() && isExternalMark(*node->status()) &&
+                           !node->URL();
+    resolveCandidates(node.get());
+    if (candidate)
+        target_->candidates.push_back(node);
+    else
+        place(node);
 }
 
 // Whether the walk added the node only to lead to an external below it: such
 // placeholders stand for versioned directories that svn did not report.
-bool isPlaceholder(const LuSVNNode& node, const std::unordered_set<std::string>& externalAncestors,
-                   const LuSVNStatusOptions& options, const std::shared_ptr<LuSVNContext>& context)
+bool isPlaceholder(const LuSVNNode& node, const std::shared_ptr<LuSVNContext>& context)
 {
-    if (!node.isDirectory() || !isExternalMark(*node.status()) || node.URL() ||
-        !externalAncestors.contains(node.path()->string()))
-        return false;
+    LuSVNStatusOptions options;
+    options.setIncludeNormalFiles(true);
     // Rare (ancestors of externals only): ask what the directory really is.
     const auto real = LuSVNNode::nodeWithStatusAtPath(std::static_pointer_cast<const LuSVNLocalPath>(node.path()),
                                                       options, context);
     return real && real->status() && isVersioned(*real, *real->status());
 }
 
-std::vector<Section> StatusPrinter::sections(const Target& target, std::vector<ChangelistItem>& changelists)
+// The held directories leading to an external mark (`next`) are placeholders
+// when the directory is versioned; the others are shown as they are.
+void StatusPrinter::resolveCandidates(const LuSVNNode* next)
 {
-    std::vector<Section> result(1);
-    std::unordered_map<std::string, std::size_t> sectionOfRoot;
-    for (const auto& event : target.events)
-        if (!event.completed && !sectionOfRoot.contains(event.path)) {
-            sectionOfRoot.emplace(event.path, result.size());
-            result.push_back({event.path, {}});
-        }
-
-    // The section holding a path: that of its innermost walked external.
-    // Externals are few, so a scan beats building each ancestor's path.
-    auto sectionOf = [&](const std::string& path) -> std::size_t {
-        std::size_t best = 0;
-        for (std::size_t section = 1; section < result.size(); ++section) {
-            const std::string& root = result[section].root;
-            if ((path == root || isUnder(path, root)) && (best == 0 || root.size() > result[best].root.size()))
-                best = section;
-        }
-        return best;
-    };
-
-    std::unordered_set<std::string> unversionedMarks, externalAncestors;
-    for (const auto& node : target.nodes)
-        if (node->status() && isExternalMark(*node->status())) {
-            if (!node->URL())
-                unversionedMarks.insert(node->path()->string());
-            for (std::string parent = parentPath(node->path()->string()); isUnder(parent, target.absolute);
-                 parent = parentPath(parent))
-                externalAncestors.insert(parent);
-        }
-
-    std::shared_ptr<LuSVNContext> context;
-    LuSVNStatusOptions placeholderOptions;
-    placeholderOptions.setIncludeNormalFiles(true);
-
-    auto add = [&](std::size_t section, Line line) {
-        if (line.node->status()->changelist() && line.kind == LineKind::Item) {
-            ChangelistItem item{line, {}};
-            displayPath(target, line.node->path()->string(), item.displayPath);
-            changelists.push_back(std::move(item));
-            return;
-        }
-        result[section].lines.push_back(line);
-    };
-    for (const auto& node : target.nodes) {
-        if (!node->status())
-            continue;
-        const std::string& path = node->path()->string();
-        const LuSVNStatus& status = *node->status();
-        if (isExternalMark(status) && !settings_.verbose && externalAncestors.contains(path)) {
-            if (!context)
-                context = contextForPath(target.absolute);
-            if (isPlaceholder(*node, externalAncestors, placeholderOptions, context))
-                continue;
-        }
-        const auto walked = sectionOfRoot.find(path);
-        if (isExternalMark(status) && walked != sectionOfRoot.end()) {
-            // One node stands for two reports: the parent's mark and the
-            // external's root. svn shows the mark only from a versioned parent.
-            const std::string parent = parentPath(path);
-            if (path != target.absolute && !unversionedMarks.contains(parent)) {
-                Section& outer = result[sectionOf(parent)];
-                const Line mark{node.get(), LineKind::ExternalMark};
-                // The walk without -u reports in path order; keep that order.
-                auto position = outer.lines.end();
-                if (!settings_.update)
-                    position = std::find_if(outer.lines.begin(), outer.lines.end(), [&](const Line& line) {
-                        return pathLess(path, line.node->path()->string());
-                    });
-                outer.lines.insert(position, mark);
-            }
-            add(walked->second, {node.get(), LineKind::ExternalRoot});
-        } else if (isExternalMark(status) && path == target.absolute && node->URL()) {
-            // A walk started inside an external: its root is a plain item there.
-            add(0, {node.get(), LineKind::ExternalRoot});
-        } else {
-            add(sectionOf(path), {node.get(), LineKind::Item});
-        }
+    if (target_->candidates.empty())
+        return;
+    const bool nextIsMark = next && next->status() && isExternalMark(*next->status());
+    auto candidates = std::move(target_->candidates);
+    target_->candidates.clear();
+    for (const auto& candidate : candidates) {
+        const bool leads = nextIsMark && isUnder(next->path()->string(), candidate->path()->string());
+        if (!leads || !isPlaceholder(*candidate, contextForPath(target_->absolute)))
+            place(candidate);
     }
-    return result;
 }
 
-void StatusPrinter::displayPath(const Target& target, const std::string& path, std::string& out) const
+void StatusPrinter::place(const std::shared_ptr<LuSVNNode>& node)
 {
+    const std::string& path = node->path()->string();
+    const LuSVNStatus& status = *node->status();
+    LineKind kind = LineKind::Item;
+    if (isExternalMark(status)) {
+        if (path == target_->section || (path == target_->absolute && node->URL())) {
+            // The external's own report of its root (also a walk started
+            // inside an external).
+            kind = LineKind::ExternalRoot;
+        } else if (target_->section.empty() && settings_.effectiveDepth() == Depth::Infinity &&
+                   !settings_.ignoreExternals && path != target_->absolute) {
+            if (!node->URL())
+                target_->unversionedMarks.insert(path);
+            // The external is walked later; svn shows its mark only from a
+            // versioned parent.
+            if (target_->unversionedMarks.contains(parentPath(path)))
+                return;
+            kind = LineKind::ExternalMark;
+        }
+    }
+    if (path == target_->absolute && target_->section.empty())
+        target_->rootPlaced = true;
+    if (kind == LineKind::Item && status.changelist()) {
+        ChangelistItem item{node, kind, {}};
+        displayPath(path, item.displayPath);
+        changelists_.push_back(std::move(item));
+        return;
+    }
+    const Line line{node.get(), kind};
+    if (!shown(line) || (settings_.aggregates && !settings_.verbose && !worthAnAggregateLine(*node)))
+        return;
+    displayPath(path, path_);
+    print(line, path_);
+}
+
+// Without -v, --aggregates shows what svn shows, the target itself and the
+// directories with a change below them.
+bool StatusPrinter::worthAnAggregateLine(const LuSVNNode& node) const
+{
+    if (node.path()->string() == target_->absolute || reportedWithoutAll(node))
+        return true;
+    if (!node.isDirectory())
+        return false;
+    const auto& directory = static_cast<const LuSVNDirectory&>(node);
+    return isAbnormalKind(static_cast<LuSVNStatusKind>(directory.aggregateChildStatus())) ||
+           isAbnormalKind(static_cast<LuSVNStatusKind>(directory.aggregateRepositoryChildStatus()));
+}
+
+// With --aggregates the root always shows, to carry its words, after the
+// target's own tree.
+void StatusPrinter::placeRootForAggregates()
+{
+    if (!settings_.aggregates || settings_.xml || !target_->root || target_->rootPlaced)
+        return;
+    target_->rootPlaced = true;
+    displayPath(target_->root->path()->string(), path_);
+    printLine({target_->root.get(), LineKind::Item}, path_);
+}
+
+void StatusPrinter::enterExternal(const std::string& path)
+{
+    resolveCandidates(nullptr);
+    placeRootForAggregates();
+    target_->section = path;
+    if (notifies()) {
+        std::string& out = output_.buffer();
+        out += "\nPerforming status on external item at '";
+        out += externalHeaderPath(path);
+        out += "':\n";
+    }
+}
+
+void StatusPrinter::complete(std::int32_t revision)
+{
+    resolveCandidates(nullptr);
+    if (!target_->against)
+        target_->against = revision;
+    if (notifies() && revision != LuSVNInvalidRevision) {
+        char text[64];
+        std::snprintf(text, sizeof text, "Status against revision: %6d\n", revision);
+        output_.buffer() += text;
+    }
+}
+
+void StatusPrinter::startTarget()
+{
+    if (target_->started)
+        return;
+    target_->started = true;
+    std::string& out = output_.buffer();
+    const std::string& display = target_->display.empty() ? std::string(".") : target_->display;
+    if (settings_.xml) {
+        out += "<target";
+        appendAttribute(out, "path", display);
+        out += ">\n";
+    } else if (settings_.json) {
+        out += firstJSONTarget_ ? "\n{\"target\":" : ",\n{\"target\":";
+        firstJSONTarget_ = false;
+        appendJSONString(out, display);
+        out += ",\"path\":";
+        appendJSONString(out, target_->absolute);
+        out += ",\"nodes\":[";
+    }
+}
+
+void StatusPrinter::finishTarget()
+{
+    resolveCandidates(nullptr);
+    placeRootForAggregates();
+    startTarget();
+    std::string& out = output_.buffer();
+    const bool against = target_->against && *target_->against != LuSVNInvalidRevision;
+    if (settings_.xml) {
+        if (against) {
+            out += "<against";
+            std::string revision;
+            appendNumber(revision, *target_->against);
+            appendAttribute(out, "revision", revision);
+            out += "/>\n";
+        }
+        out += "</target>\n";
+    } else if (settings_.json) {
+        out += ']';
+        if (target_->against) {
+            out += ",\"againstRevision\":";
+            appendNumber(out, *target_->against);
+        }
+        out += '}';
+    }
+}
+
+void StatusPrinter::displayPath(const std::string& path, std::string& out) const
+{
+    const Target& target = *target_;
     out.clear();
     if (path == target.absolute) {
         out = target.display.empty() ? "." : target.display;
@@ -621,6 +862,48 @@ void StatusPrinter::displayPath(const Target& target, const std::string& path, s
     if (!out.empty() && out.back() != '/')
         out += '/';
     out.append(path, skip, std::string::npos);
+}
+
+// The other end of a move as svn shows it: below the target as the target's
+// items are shown, elsewhere with ".." from the target.
+std::string StatusPrinter::movePath(const std::string& path) const
+{
+    const std::string& target = target_->absolute;
+    if (path == target || isUnder(path, target)) {
+        const std::string& display = target_->display;
+        if (path == target)
+            return display;
+        const std::string below = path.substr(target.size() + (target.back() == '/' ? 0 : 1));
+        return display.empty() ? below : display + (display.back() == '/' ? "" : "/") + below;
+    }
+    std::string common = target;
+    std::string up;
+    while (!common.empty() && common != "/" && !isUnder(path, common)) {
+        common = parentPath(common);
+        up += up.empty() ? ".." : "/..";
+    }
+    return up + "/" + path.substr(common.size() + (common.back() == '/' ? 0 : 1));
+}
+
+// svn's lines under an item that was moved: where it went, where it came
+// from, or whom it swapped places with.
+void StatusPrinter::appendMoveLines(const LuSVNStatus& status, std::string& out) const
+{
+    const auto& from = status.movedFromPath();
+    const auto& to = status.movedToPath();
+    if (from && to && *from == *to) {
+        out += "\n        > swapped places with ";
+        out += movePath(*from);
+        return;
+    }
+    if (to) {
+        out += "\n        > moved to ";
+        out += movePath(*to);
+    }
+    if (from) {
+        out += "\n        > moved from ";
+        out += movePath(*from);
+    }
 }
 
 // The "Performing status on external item" path: relative to the current
@@ -726,15 +1009,6 @@ void StatusPrinter::printLine(const Line& line, std::string_view path)
         out += ' ';
     }
     out.append(path);
-    if (conflict) {
-        out += "\n      >   ";
-        out += treeConflictDescription(*conflict);
-        ++treeConflicts_;
-    } else if (!mark && status.textStatus() == LuSVNStatusConflicted) {
-        ++textConflicts_;
-    } else if (!mark && status.propertyStatus() == LuSVNStatusConflicted) {
-        ++propertyConflicts_;
-    }
     if (settings_.aggregates && node.isDirectory() && line.kind != LineKind::ExternalMark) {
         const auto& directory = static_cast<const LuSVNDirectory&>(node);
         const std::uint32_t local = directory.aggregateChildStatus();
@@ -750,36 +1024,19 @@ void StatusPrinter::printLine(const Line& line, std::string_view path)
             out += ']';
         }
     }
+    if (!mark)
+        appendMoveLines(status, out);
+    if (conflict) {
+        out += "\n      >   ";
+        out += treeConflictDescription(*conflict);
+        ++treeConflicts_;
+    } else if (!mark && status.textStatus() == LuSVNStatusConflicted) {
+        ++textConflicts_;
+    } else if (!mark && status.propertyStatus() == LuSVNStatusConflicted) {
+        ++propertyConflicts_;
+    }
     out += '\n';
     output_.maybeFlush();
-}
-
-void appendXMLLock(std::string& out, const LuSVNLock& lock)
-{
-    out += "<lock>\n<token>";
-    appendEscaped(out, lock.token(), false);
-    out += "</token>\n<owner>";
-    appendEscaped(out, lock.owner(), false);
-    out += "</owner>\n";
-    if (lock.comment()) {
-        out += "<comment>";
-        appendEscaped(out, *lock.comment(), false);
-        out += "</comment>\n";
-    }
-    if (lock.creationDate())
-        out += "<created>" + xmlDate(*lock.creationDate()) + "</created>\n";
-    if (lock.expirationDate())
-        out += "<expires>" + xmlDate(*lock.expirationDate()) + "</expires>\n";
-    out += "</lock>\n";
-}
-
-void appendAttribute(std::string& out, const char* name, std::string_view value)
-{
-    out += "\n   ";
-    out += name;
-    out += "=\"";
-    appendEscaped(out, value, true);
-    out += '"';
 }
 
 void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
@@ -815,6 +1072,10 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
             appendAttribute(out, "file-external", "true");
         if (status.treeConflict())
             appendAttribute(out, "tree-conflicted", "true");
+        if (status.movedFromPath())
+            appendAttribute(out, "moved-from", movePath(*status.movedFromPath()));
+        if (status.movedToPath())
+            appendAttribute(out, "moved-to", movePath(*status.movedToPath()));
     }
     out += ">\n";
     // An item new in the repository carries the repository's last change,
@@ -852,147 +1113,29 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
     output_.maybeFlush();
 }
 
-void StatusPrinter::printJSON(const std::vector<Target>& targets)
+void StatusPrinter::print(const Line& line, std::string_view path)
 {
-    std::string& out = output_.buffer();
-    out += "{\"targets\":[";
-    bool firstTarget = true;
-    for (const auto& target : targets) {
-        out += firstTarget ? "\n{\"target\":" : ",\n{\"target\":";
-        firstTarget = false;
-        appendJSONString(out, target.display.empty() ? "." : target.display);
-        out += ",\"path\":";
-        appendJSONString(out, target.absolute);
-        for (const auto& event : target.events)
-            if (event.completed) {
-                out += ",\"againstRevision\":";
-                appendNumber(out, event.revision);
-                break;
-            }
-        out += ",\"nodes\":[";
-        bool first = true;
-        for (const auto& node : target.nodes) {
-            out += first ? "\n" : ",\n";
-            first = false;
-            out += LuSVNKeyedArchiver::archivedDataWithRootObject(*node);
-            output_.maybeFlush();
-        }
-        out += "]}";
-    }
-    out += "]}\n";
+    if (target_)
+        startTarget();
+    if (settings_.xml)
+        printXMLEntry(line, path);
+    else
+        printLine(line, path);
 }
 
-int StatusPrinter::run()
+// Items of change lists come last, grouped by list.
+void StatusPrinter::printChangelists()
 {
-    std::vector<Target> targets;
-    for (const std::string& argument : settings_.targets) {
-        Target target;
-        target.display = canonicalDisplayPath(argument);
-        if (argument.empty() || argument == ".")
-            target.display.clear();
-        target.absolute = LuSVNLocalPath::pathWithString(
-                              std::filesystem::absolute(target.display.empty() ? "." : target.display)
-                                  .lexically_normal()
-                                  .string())
-                              ->string();
-        try {
-            walk(target);
-        } catch (const LuSVNException& e) {
-            const int code = e.status();
-            if (e.name() != "LuSVNNotWorkingCopyException" && code != 155007 && code != 155010)
-                throw;
-            output_.flush();
-            if (e.name() == "LuSVNNotWorkingCopyException" || code == 155007)
-                std::fprintf(stderr, "tessera: warning: W155007: '%s' is not a working copy\n",
-                             target.absolute.c_str());
-            else
-                std::fprintf(stderr, "tessera: warning: W%d: %s\n", code, e.reason().c_str());
-            continue;
-        }
-        targets.push_back(std::move(target));
-    }
-
-    if (settings_.json) {
-        printJSON(targets);
-        return 0;
-    }
-
-    std::string& out = output_.buffer();
-    if (settings_.xml)
-        out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<status>\n";
-    // svn's notifier (external headers, "Status against revision") is off
-    // when quiet without verbose.
-    const bool notify = !settings_.xml && !settings_.suppressPlaceholders();
-    std::vector<ChangelistItem> changelists;
-    for (const auto& target : targets) {
-        if (settings_.xml) {
-            out += "<target";
-            appendAttribute(out, "path", target.display.empty() ? "." : target.display);
-            out += ">\n";
-        }
-        auto printSection = [&](const Section& section) {
-            for (const Line& line : section.lines) {
-                if (!shown(line))
-                    continue;
-                displayPath(target, line.node->path()->string(), path_);
-                if (settings_.xml)
-                    printXMLEntry(line, path_);
-                else
-                    printLine(line, path_);
-            }
-        };
-        const std::vector<Section> sections = this->sections(target, changelists);
-        printSection(sections[0]);
-        // With --aggregates the root always shows, to carry its words.
-        if (settings_.aggregates && !settings_.xml && target.root &&
-            std::none_of(sections[0].lines.begin(), sections[0].lines.end(),
-                         [&](const Line& line) { return line.node == target.root.get(); })) {
-            displayPath(target, target.root->path()->string(), path_);
-            printLine({target.root.get(), LineKind::Item}, path_);
-        }
-        std::size_t nextSection = 1;
-        std::optional<std::int32_t> against;
-        for (const auto& event : target.events) {
-            if (event.completed) {
-                if (!against)
-                    against = event.revision;
-                if (notify && event.revision != LuSVNInvalidRevision) {
-                    char text[64];
-                    std::snprintf(text, sizeof text, "Status against revision: %6d\n", event.revision);
-                    out += text;
-                }
-            } else if (nextSection < sections.size() && sections[nextSection].root == event.path) {
-                if (notify) {
-                    out += "\nPerforming status on external item at '";
-                    out += externalHeaderPath(event.path);
-                    out += "':\n";
-                }
-                printSection(sections[nextSection++]);
-            }
-        }
-        for (; nextSection < sections.size(); ++nextSection)
-            printSection(sections[nextSection]);
-        if (settings_.xml) {
-            if (against && *against != LuSVNInvalidRevision) {
-                out += "<against";
-                std::string revision;
-                appendNumber(revision, *against);
-                appendAttribute(out, "revision", revision);
-                out += "/>\n";
-            }
-            out += "</target>\n";
-        }
-    }
-
-    // Items of change lists come last, grouped by list.
-    std::stable_sort(changelists.begin(), changelists.end(), [](const ChangelistItem& a, const ChangelistItem& b) {
-        return *a.line.node->status()->changelist() < *b.line.node->status()->changelist();
+    std::stable_sort(changelists_.begin(), changelists_.end(), [](const ChangelistItem& a, const ChangelistItem& b) {
+        return *a.node->status()->changelist() < *b.node->status()->changelist();
     });
+    std::string& out = output_.buffer();
     const std::string* current = nullptr;
-    for (const auto& item : changelists) {
-        if (!shown(item.line))
+    for (const auto& item : changelists_) {
+        const Line line{item.node.get(), item.kind};
+        if (!shown(line))
             continue;
-        const std::string& name = *item.line.node->status()->changelist();
+        const std::string& name = *item.node->status()->changelist();
         if (!current || *current != name) {
             if (settings_.xml) {
                 if (current)
@@ -1005,29 +1148,75 @@ int StatusPrinter::run()
             }
             current = &name;
         }
-        if (settings_.xml)
-            printXMLEntry(item.line, item.displayPath);
-        else
-            printLine(item.line, item.displayPath);
+        print(line, item.displayPath);
     }
-    if (settings_.xml) {
-        if (current)
-            out += "</changelist>\n";
-        out += "</status>\n";
-    } else if (!settings_.quiet && (textConflicts_ || propertyConflicts_ || treeConflicts_)) {
-        out += "Summary of conflicts:\n";
-        char text[64];
-        if (textConflicts_) {
-            std::snprintf(text, sizeof text, "  Text conflicts: %u\n", textConflicts_);
-            out += text;
+    if (settings_.xml && current)
+        out += "</changelist>\n";
+}
+
+int StatusPrinter::run()
+{
+    std::string& out = output_.buffer();
+    if (settings_.xml)
+        out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<status>\n";
+    else if (settings_.json)
+        out += "{\"targets\":[";
+    for (const std::string& argument : settings_.targets) {
+        Target target;
+        target.display = canonicalDisplayPath(argument);
+        if (argument.empty() || argument == ".")
+            target.display.clear();
+        target.absolute = LuSVNLocalPath::pathWithString(
+                              std::filesystem::absolute(target.display.empty() ? "." : target.display)
+                                  .lexically_normal()
+                                  .string())
+                              ->string();
+        target_ = &target;
+        try {
+            walk(target);
+        } catch (const LuSVNException& e) {
+            const int code = e.status();
+            if (e.name() != "LuSVNNotWorkingCopyException" && code != 155007 && code != 155010)
+                throw;
+            // svn's XML keeps the target, empty.
+            if (settings_.xml && !target.started) {
+                startTarget();
+                out += "</target>\n";
+            }
+            output_.flush();
+            // svn keeps its warnings to itself when quiet.
+            if (settings_.quiet) {
+            } else if (e.name() == "LuSVNNotWorkingCopyException" || code == 155007) {
+                std::fprintf(stderr, "tessera: warning: W155007: '%s' is not a working copy\n",
+                             target.absolute.c_str());
+            } else {
+                std::fprintf(stderr, "tessera: warning: W%d: %s\n", code, e.reason().c_str());
+            }
         }
-        if (propertyConflicts_) {
-            std::snprintf(text, sizeof text, "  Property conflicts: %u\n", propertyConflicts_);
-            out += text;
-        }
-        if (treeConflicts_) {
-            std::snprintf(text, sizeof text, "  Tree conflicts: %u\n", treeConflicts_);
-            out += text;
+        target_ = nullptr;
+    }
+
+    if (settings_.json) {
+        out += "]}\n";
+    } else {
+        printChangelists();
+        if (settings_.xml) {
+            out += "</status>\n";
+        } else if (!settings_.quiet && (textConflicts_ || propertyConflicts_ || treeConflicts_)) {
+            out += "Summary of conflicts:\n";
+            char text[64];
+            if (textConflicts_) {
+                std::snprintf(text, sizeof text, "  Text conflicts: %u\n", textConflicts_);
+                out += text;
+            }
+            if (propertyConflicts_) {
+                std::snprintf(text, sizeof text, "  Property conflicts: %u\n", propertyConflicts_);
+                out += text;
+            }
+            if (treeConflicts_) {
+                std::snprintf(text, sizeof text, "  Tree conflicts: %u\n", treeConflicts_);
+                out += text;
+            }
         }
     }
     output_.flush();
@@ -1130,7 +1319,14 @@ int statusCommand(int argc, char** argv)
         std::fprintf(stderr, "tessera status: %s\n%s", error->c_str(), statusUsage);
         return 2;
     }
+    // A reader that goes away is a write error, as for svn.
+    std::signal(SIGPIPE, SIG_IGN);
     Output output;
     StatusPrinter printer(settings, output);
-    return printer.run();
+    try {
+        return printer.run();
+    } catch (const WriteError& error) {
+        std::fprintf(stderr, "tessera: E%06d: Write error: %s\n", error.code, std::strerror(error.code));
+        return 1;
+    }
 }
