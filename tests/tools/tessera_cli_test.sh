@@ -132,6 +132,7 @@ for command in $commands; do
   echo "$out" | sed -n 2p | grep -q "^usage: $command" || fail "help $command: no usage line"
   [ "$("$tessera" "$command" --help)" = "$out" ] || fail "$command --help differs from help $command"
   [ "$("$tessera" "$command" -h)" = "$out" ] || fail "$command -h differs from help $command"
+  [ "$("$tessera" --help "$command")" = "$out" ] || fail "--help $command differs from help $command"
 done
 [ "$("$tessera" help st)" = "$("$tessera" help status)" ] || fail "help by alias"
 "$svn" help -v status > "$work/svn-help"

@@ -212,7 +212,7 @@ int runTessera(int argc, char** argv)
         if (const auto error = leftOverError(program, command))
             return *error;
         const Parsed& parsed = commands.at(&command);
-        if (parsed.helpWanted) {
+        if (parsed.helpWanted || programHelpWanted) {
             std::fputs(commandHelp(command).c_str(), stdout);
             return 0;
         }
