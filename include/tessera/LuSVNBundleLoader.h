@@ -35,9 +35,20 @@ public:
     std::shared_ptr<LuSVNBundleProxy> loadBundleAtPath(const std::string& path);
 
     /// Loads every entry whose extension is "bundle" (any case), in directory
-    /// order. A directory that cannot be listed is ignored; a bundle that fails
-    /// raises and ends the scan, the ones loaded before it stay loaded.
+    /// order, and the code of each (unlike loadBundleAtPath), so that a broken
+    /// shared object shows here rather than on first use. A directory that
+    /// cannot be listed is ignored. A bundle that fails (unreadable or
+    /// malformed Info.json, missing or unloadable shared object, another
+    /// interface version) is skipped: it is logged as a warning at level 1,
+    /// listed by brokenBundles(), and the scan goes on.
     void loadBundlesInDirectoryAtPath(const std::string& path);
+    /// A bundle that a scan skipped: its path and why it failed.
+    struct BrokenBundle {
+        std::string path;
+        std::string reason;
+    };
+    /// The bundles the scans skipped, in the order they were met.
+    std::vector<BrokenBundle> brokenBundles();
 
     /// The version a proxy is registered under, or nullopt. Raises
     /// "Invalid parameter not satisfying: bundleObj != nil" for null.
@@ -69,8 +80,12 @@ public:
 
 private:
     LuSVNBundleLoader() = default;
+    // With its code loaded first when asked to, so that a broken shared
+    // object is refused before the bundle is registered.
+    std::shared_ptr<LuSVNBundleProxy> loadBundleAtPath(const std::string& path, bool loadingCode);
 
     std::recursive_mutex lock_;
     std::map<LuSVNVersion, std::shared_ptr<LuSVNBundleProxy>> bundles_;
     std::vector<LuSVNVersion> bundleVersions_;  // ascending
+    std::vector<BrokenBundle> brokenBundles_;
 };

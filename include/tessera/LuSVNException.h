@@ -1,7 +1,10 @@
 // The exception family of the library.
 //
-// Every failure of Subversion and of the library's operations is a
-// LuSVNException or one of its subclasses. A Subversion error chain becomes the
+// Every exception the library throws is a LuSVNException: the failures of
+// Subversion and of the library's operations, and also the usage errors of
+// LuSVNPlatformExceptions.h (an invalid argument such as a text that is no
+// URL, a broken precondition, a call out of order). One handler catches them
+// all; the subclasses narrow the meaning. A Subversion error chain becomes the
 // most specific class its codes map to, with the whole chain kept in the error
 // dictionary (userInfo()):
 //
@@ -10,8 +13,19 @@
 //   } catch (const LuSVNNotWorkingCopyException& e) {
 //       // e.reason(), e.status(), e.userInfo()->cause ...
 //   } catch (const LuSVNException& e) {
-//       ...
+//       // every other failure of the library
 //   }
+//
+// An exception that the application's own code throws inside a call of the
+// library (a notification handler, an authentication provider, a log-message
+// provider) stops the operation and reaches the caller unchanged, as the
+// object the application threw: it is neither wrapped nor turned into a
+// LuSVNException. Two places differ: a failing cancellation query of the
+// context's delegate is ignored (the operation goes on), and a failing read or
+// write of an adapted stream (LuSVNStreams.h) becomes the LuSVNException
+// "Unable to read data from input stream" or "Unable to write data to output
+// stream". Exceptions of the standard library (std::bad_alloc and the like)
+// pass through untranslated.
 //
 // The class tree (each subclass adds no fields, it only narrows the meaning):
 //
@@ -38,6 +52,8 @@
 //         LuSVNSSLServerCertificateVerificationException
 //     LuSVNLockException
 //       LuSVNEntryLockedException, LuSVNLockExpiredException
+//     LuSVNGenericException, LuSVNInvalidArgumentException,
+//     LuSVNInternalInconsistencyException      (LuSVNPlatformExceptions.h)
 #pragma once
 
 #include <memory>

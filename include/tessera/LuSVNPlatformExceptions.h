@@ -1,39 +1,50 @@
 // The three general-purpose exceptions of the library.
 //
-// Failures of Subversion and of the library's own operations are
-// LuSVNException (see LuSVNException.h). These three stand for programming and
-// usage errors that are not Subversion's:
+// They stand for programming and usage errors that are not Subversion's, and
+// like every exception of the library they are LuSVNException subclasses, so
+// that one `catch (const LuSVNException&)` catches every failure:
 //
 //   LuSVNGenericException               a call out of order (e.g. an unbalanced
 //                                       backend stack pop)
 //   LuSVNInvalidArgumentException       an argument of the wrong kind or value
+//                                       (e.g. a text that is no URL)
 //   LuSVNInternalInconsistencyException a broken precondition; every parameter
 //                                       assertion raises it, in release builds
 //                                       too, with "Invalid parameter not
 //                                       satisfying: <condition>"
 //
-// what() is the reason text.
+// Their status() is 20014 (no Subversion error stands behind them); what() and
+// reason() are the reason text, name() the class name.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 
+#include <tessera/LuSVNException.h>
 #include <tessera/LuSVNExport.h>
 
-class TESSERA_EXPORT LuSVNGenericException : public std::runtime_error {
+class TESSERA_EXPORT LuSVNGenericException : public LuSVNException {
 public:
     explicit LuSVNGenericException(const std::string& reason);
-    std::string reason() const { return what(); }
+    ~LuSVNGenericException() override;
+    const LuSVNExceptionClass& exceptionClass() const override;
+    [[noreturn]] void raise() const override;
+    static const LuSVNExceptionClass& classObject();
 };
 
-class TESSERA_EXPORT LuSVNInvalidArgumentException : public std::invalid_argument {
+class TESSERA_EXPORT LuSVNInvalidArgumentException : public LuSVNException {
 public:
     explicit LuSVNInvalidArgumentException(const std::string& reason);
-    std::string reason() const { return what(); }
+    ~LuSVNInvalidArgumentException() override;
+    const LuSVNExceptionClass& exceptionClass() const override;
+    [[noreturn]] void raise() const override;
+    static const LuSVNExceptionClass& classObject();
 };
 
-class TESSERA_EXPORT LuSVNInternalInconsistencyException : public std::logic_error {
+class TESSERA_EXPORT LuSVNInternalInconsistencyException : public LuSVNException {
 public:
     explicit LuSVNInternalInconsistencyException(const std::string& reason);
-    std::string reason() const { return what(); }
+    ~LuSVNInternalInconsistencyException() override;
+    const LuSVNExceptionClass& exceptionClass() const override;
+    [[noreturn]] void raise() const override;
+    static const LuSVNExceptionClass& classObject();
 };

@@ -6,6 +6,8 @@
 #include <cctype>
 #include <filesystem>
 
+#include <tessera/LuSVNDebug.h>
+
 #include "LuSVNAssert.h"
 #include "LuSVNTrace.h"
 
@@ -31,8 +33,15 @@ std::string LuSVNBundleLoader::defaultBundleDirectory()
 
 std::shared_ptr<LuSVNBundleProxy> LuSVNBundleLoader::loadBundleAtPath(const std::string& path)
 {
+    return loadBundleAtPath(path, false);
+}
+
+std::shared_ptr<LuSVNBundleProxy> LuSVNBundleLoader::loadBundleAtPath(const std::string& path, bool loadingCode)
+{
     LUSVN_TRACE("LuSVNBundleLoader", "loadBundleAtPath", {"path", path});
     auto bundle = LuSVNPlatformBundle::bundleWithPath(path);
+    if (loadingCode)
+        bundle->principalObject();
     const LuSVNVersion version =
         LuSVNVersion::versionWithString(bundle->infoDictionary().stringForKey("CFBundleVersion").value_or(""));
     std::lock_guard<std::recursive_mutex> guard(lock_);
@@ -56,9 +65,28 @@ void LuSVNBundleLoader::loadBundlesInDirectoryAtPath(const std::string& path)
         std::string extension = entry.path().extension().string();
         std::transform(extension.begin(), extension.end(), extension.begin(),
                        [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-        if (extension == ".bundle")
-            loadBundleAtPath((std::filesystem::path(path) / entry.path().filename()).string());
+        if (extension != ".bundle")
+            continue;
+        const std::string bundlePath = (std::filesystem::path(path) / entry.path().filename()).string();
+        try {
+            // One broken backend must not take the good ones down with it
+            // when it is first used, so its code is loaded now.
+            loadBundleAtPath(bundlePath, true);
+        } catch (const LuSVNException& e) {
+            const auto& cause = e.userInfo() ? e.userInfo()->cause : nullptr;
+            std::string reason = cause && cause->message ? *cause->message : e.reason();
+            LuSVNDebug::logAtLevel(LuSVNLogLevelNormal, "Skipping svn bundle at %s: %s", bundlePath.c_str(),
+                                   reason.c_str());
+            std::lock_guard<std::recursive_mutex> guard(lock_);
+            brokenBundles_.push_back({bundlePath, std::move(reason)});
+        }
     }
+}
+
+std::vector<LuSVNBundleLoader::BrokenBundle> LuSVNBundleLoader::brokenBundles()
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    return brokenBundles_;
 }
 
 std::optional<LuSVNVersion> LuSVNBundleLoader::versionForBundle(const std::shared_ptr<LuSVNBundleProxy>& bundleObj)

@@ -7,9 +7,15 @@
 #include <tessera/LuSVNNode.h>
 #include <tessera/LuSVNPlatformExceptions.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
 
 #include "LuSVNBackendFrame.h"
 #include "TesseraTestSupport.h"
@@ -120,13 +126,74 @@ TEST(LuSVNBundleLoader, RefusesBrokenBundlesAndKeepsTheOthers)
         expectLoadFailure(TESSERA_TEST_BUNDLE_INTERFACE_2, "expected 1, found 2");
         expectLoadFailure(TESSERA_TEST_BUNDLE_MISSING_EXECUTABLE, "missing-executable");
         expectLoadFailure("/nonexistent/x.bundle", "Not a directory");
-        EXPECT_THROW(loader()->loadBundlesInDirectoryAtPath(TESSERA_TEST_BROKEN_BUNDLE_DIR), LuSVNException);
 
         // The bundle loaded before still works end to end.
         EXPECT_EQ(loader()->bundleForVersion(LuSVNVersion::version(1, 6, 5)), good);
         LuSVNBackendFrame frame(good);
         EXPECT_NE(frame.pool(), nullptr);
     });
+}
+
+// Standard error of the call, which the library's log writes to.
+std::string standardErrorOf(const std::function<void()>& call)
+{
+    TemporaryDirectory directory;
+    const std::string file = directory / "stderr";
+    std::fflush(stderr);
+    const int saved = dup(STDERR_FILENO);
+    const int redirected = open(file.c_str(), O_WRONLY | O_CREAT, 0600);
+    dup2(redirected, STDERR_FILENO);
+    close(redirected);
+    call();
+    std::fflush(stderr);
+    dup2(saved, STDERR_FILENO);
+    close(saved);
+    std::ifstream stream(file);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+void scanSkipsBrokenBundlesBesideAGoodOne()
+{
+    TemporaryDirectory directory;
+    struct Broken {
+        const char* fixture;
+        const char* name;
+        const char* reason;
+    };
+    // Each broken one declares a newer release than the good one: loaded,
+    // it would become the default backend.
+    const Broken broken[] = {
+        {TESSERA_TEST_BUNDLE_INVALID_JSON, "a-malformed-info.bundle", "Malformed Info.json"},
+        {TESSERA_TEST_BUNDLE_NO_INFO, "b-no-info.bundle", "Cannot read Info.json"},
+        {TESSERA_TEST_BUNDLE_INTERFACE_2, "c-interface-2.bundle", "expected 1, found 2"},
+        {TESSERA_TEST_BUNDLE_MISSING_EXECUTABLE, "d-missing-object.bundle", "missing-executable"},
+        {TESSERA_TEST_BUNDLE_1_8_0_MISSING, "e-newest-missing-object.bundle", "missing-executable"},
+    };
+    std::filesystem::create_directory_symlink(TESSERA_TEST_BUNDLE_1_6_5, directory / "good.bundle");
+    for (const Broken& b : broken)
+        std::filesystem::create_directory_symlink(b.fixture, directory / b.name);
+
+    const std::string log = standardErrorOf([&] { loader()->loadBundlesInDirectoryAtPath(directory.path()); });
+
+    EXPECT_EQ(versionsText(loader()->loadedVersions()), "1.6.5");
+    const auto skipped = loader()->brokenBundles();
+    ASSERT_EQ(skipped.size(), std::size(broken));
+    for (const Broken& b : broken) {
+        const std::string path = directory / b.name;
+        const auto found = std::find_if(skipped.begin(), skipped.end(),
+                                        [&](const auto& entry) { return entry.path == path; });
+        ASSERT_NE(found, skipped.end()) << path;
+        EXPECT_NE(found->reason.find(b.reason), std::string::npos) << found->reason;
+        EXPECT_NE(log.find("Skipping svn bundle at " + path + ": "), std::string::npos) << log;
+    }
+    // The good backend answers as the default one.
+    LuSVNBackendFrame frame(loader()->defaultBundle());
+    EXPECT_NE(frame.pool(), nullptr);
+}
+
+TEST(LuSVNBundleLoader, ScanSkipsBrokenBundlesBesideAGoodOne)
+{
+    IN_FRESH_PROCESS(scanSkipsBrokenBundlesBesideAGoodOne());
 }
 
 TEST(LuSVNBundleLoader, NullArgumentsAreRefused)

@@ -6,9 +6,9 @@
 // the sections that svn prints around externals come from the walk's own
 // notifications (status external, status completed), which arrive between
 // the nodes in the order svn prints them.
-#include "StatusCommand.h"
-
 #include <tessera/Tessera.h>
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -27,23 +27,11 @@
 #include <unordered_set>
 #include <vector>
 
-namespace {
+#include "Command.h"
+#include "Messages.h"
+#include "Options.h"
 
-constexpr const char* statusUsage =
-    "usage: tessera status [options] [PATH...]\n"
-    "\n"
-    "options:\n"
-    "  -v, --verbose           every item, with working and last-changed revision and author\n"
-    "  -u, --show-updates      ask the repository: out-of-date items and locks\n"
-    "  -q, --quiet             versioned items only\n"
-    "  --no-ignore             show ignored items too\n"
-    "  --ignore-externals      do not walk into externals\n"
-    "  --depth D               empty, files, immediates or infinity (the default)\n"
-    "  -N, --non-recursive     --depth immediates\n"
-    "  --config-dir DIR        the Subversion configuration directory\n"
-    "  --xml                   the svn client's status XML\n"
-    "  --json                  the nodes with their whole status records\n"
-    "  --aggregates            each directory's aggregate status words\n";
+namespace {
 
 enum class Depth { Empty, Files, Immediates, Infinity };
 
@@ -1238,95 +1226,61 @@ std::optional<Depth> depthNamed(std::string_view name)
     return std::nullopt;
 }
 
-// Fills the settings; an error message for arguments that make no sense.
-std::optional<std::string> parseArguments(int argc, char** argv, Settings& settings)
+// Declares the options on the command's parser, filling the settings.
+void addOptions(CLI::App& command, Settings& settings)
 {
-    bool options = true;
-    for (int i = 0; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (!options || argument.size() < 2 || argument[0] != '-') {
-            settings.targets.push_back(argument);
-            continue;
-        }
-        if (argument == "--") {
-            options = false;
-            continue;
-        }
-        if (argument[1] != '-') {
-            for (std::size_t c = 1; c < argument.size(); ++c) {
-                switch (argument[c]) {
-                case 'v': settings.verbose = true; break;
-                case 'u': settings.update = true; break;
-                case 'q': settings.quiet = true; break;
-                case 'N': settings.nonRecursive = true; break;
-                default: return "unknown option '-" + std::string(1, argument[c]) + "'";
-                }
-            }
-            continue;
-        }
-        std::string name = argument.substr(2);
-        std::optional<std::string> value;
-        if (const auto equals = name.find('='); equals != std::string::npos) {
-            value = name.substr(equals + 1);
-            name.resize(equals);
-        }
-        auto takeValue = [&]() -> std::optional<std::string> {
-            if (value)
-                return value;
-            if (i + 1 < argc)
-                return std::string(argv[++i]);
-            return std::nullopt;
-        };
-        static const std::map<std::string, bool Settings::*> flags = {
-            {"verbose", &Settings::verbose},       {"show-updates", &Settings::update},
-            {"quiet", &Settings::quiet},           {"no-ignore", &Settings::noIgnore},
-            {"ignore-externals", &Settings::ignoreExternals}, {"non-recursive", &Settings::nonRecursive},
-            {"xml", &Settings::xml},               {"json", &Settings::json},
-            {"aggregates", &Settings::aggregates},
-        };
-        if (const auto flag = flags.find(name); flag != flags.end() && !value) {
-            settings.*(flag->second) = true;
-        } else if (name == "depth") {
-            const auto text = takeValue();
-            if (!text)
-                return "--depth needs a value";
-            settings.depth = depthNamed(*text);
-            if (!settings.depth)
-                return "'" + *text + "' is not a valid depth; try 'empty', 'files', 'immediates', or 'infinity'";
-        } else if (name == "config-dir") {
-            settings.configDir = takeValue();
-            if (!settings.configDir)
-                return "--config-dir needs a value";
-        } else {
-            return "unknown option '" + argument + "'";
-        }
-    }
-    if (settings.depth && settings.nonRecursive)
-        return "--depth and --non-recursive (-N) are mutually exclusive";
-    if (settings.xml && settings.json)
-        return "--xml and --json are mutually exclusive";
-    if (settings.targets.empty())
-        settings.targets.emplace_back(".");
-    return std::nullopt;
+    addFlag(command, "-u,--show-updates", settings.update, "display update information");
+    addFlag(command, "-v,--verbose", settings.verbose, "print extra information");
+    addFlag(command, "-N,--non-recursive", settings.nonRecursive, "obsolete; same as --depth=immediates");
+    addDepthOption(command, [&settings](const std::string& word) { settings.depth = depthNamed(word); });
+    addFlag(command, "-q,--quiet", settings.quiet, "don't print unversioned items");
+    addFlag(command, "--no-ignore", settings.noIgnore,
+            "disregard default and svn:ignore and\nsvn:global-ignores property ignores");
+    addFlag(command, "--xml", settings.xml, "output in XML");
+    addFlag(command, "--json", settings.json, "the nodes with their whole status records,\nin JSON");
+    addFlag(command, "--aggregates", settings.aggregates, "each directory's aggregate status words");
+    addFlag(command, "--ignore-externals", settings.ignoreExternals, "ignore externals definitions");
+    addConfigDirOption(command, settings.configDir);
+    addArguments(command, settings.targets);
+    command.final_callback([&settings] {
+        if (settings.xml && settings.json)
+            LuSVNException::exceptionWithReason("--xml and --json are mutually exclusive", TesseraArgumentParsingError)
+                ->raise();
+        // -N wins over --depth, as in svn.
+        if (settings.nonRecursive)
+            settings.depth.reset();
+        if (settings.targets.empty())
+            settings.targets.emplace_back(".");
+    });
 }
+
+const TesseraCommand statusCommand(
+    {"status",
+     {"stat", "st"},
+     "Print the status of working copy files and directories.",
+     "status [PATH...]",
+     "The status of the items at and below each PATH (the current directory\n"
+     "when none is given), in the svn client's columns: without options only\n"
+     "the changed items, with -u what the repository holds that is newer, with\n"
+     "-v every item with its revisions and last author.\n"
+     "\n"
+     "Beyond svn: --json prints each node with its whole status record, and\n"
+     "--aggregates adds each directory's aggregate status words."},
+    [](CLI::App& command) -> TesseraCommand::Action {
+        auto settings = std::make_shared<Settings>();
+        addOptions(command, *settings);
+        return [settings] {
+            // A reader that goes away is a write error, as for svn.
+            std::signal(SIGPIPE, SIG_IGN);
+            Output output;
+            StatusPrinter printer(*settings, output);
+            try {
+                return printer.run();
+            } catch (const WriteError& error) {
+                std::fprintf(stderr, "tessera: E%06d: Write error: %s\n", error.code, std::strerror(error.code));
+                return 1;
+            }
+        };
+    });
 
 }  // namespace
-
-int statusCommand(int argc, char** argv)
-{
-    Settings settings;
-    if (const auto error = parseArguments(argc, argv, settings)) {
-        std::fprintf(stderr, "tessera status: %s\n%s", error->c_str(), statusUsage);
-        return 2;
-    }
-    // A reader that goes away is a write error, as for svn.
-    std::signal(SIGPIPE, SIG_IGN);
-    Output output;
-    StatusPrinter printer(settings, output);
-    try {
-        return printer.run();
-    } catch (const WriteError& error) {
-        std::fprintf(stderr, "tessera: E%06d: Write error: %s\n", error.code, std::strerror(error.code));
-        return 1;
-    }
-}

@@ -1,0 +1,50 @@
+#include "Messages.h"
+
+#include <tessera/LuSVNException.h>
+
+#include <cstdio>
+#include <set>
+#include <utility>
+
+namespace {
+
+void printLine(const char* kind, int code, const std::string& message)
+{
+    std::fprintf(stderr, "tessera: %s%06d: %s\n", kind, code, message.c_str());
+}
+
+}  // namespace
+
+void printError(const LuSVNException& failure)
+{
+    std::fflush(stdout);
+    std::set<std::pair<long long, std::string>> printed;
+    auto print = [&](long long code, const std::string& message) {
+        if (printed.emplace(code, message).second)
+            printLine("E", static_cast<int>(code), message);
+    };
+    print(failure.status(), failure.reason());
+    if (!failure.userInfo())
+        return;
+    for (auto cause = failure.userInfo()->cause; cause; cause = cause->cause)
+        print(cause->status.value_or(LuSVNGenericErrorStatus), cause->message.value_or(""));
+}
+
+void printWarning(int code, const std::string& message)
+{
+    std::fflush(stdout);
+    printLine("warning: W", code, message);
+}
+
+void throwUsageError(const std::string& command, int code, const std::string& message)
+{
+    LuSVNErrorDictionary cause;
+    cause.message = message;
+    cause.status = code;
+    const std::string reason = "Try 'tessera help " + command + "' for more information";
+    LuSVNErrorDictionary info;
+    info.message = reason;
+    info.status = code;
+    info.cause = std::make_shared<LuSVNErrorDictionary>(std::move(cause));
+    throw LuSVNException(reason, std::move(info));
+}

@@ -1,0 +1,27 @@
+// Errors and warnings on standard error, as svn prints them:
+//
+//   tessera: E155007: '/home/me/x' is not a working copy
+//   tessera: warning: W000020: Can't open file '/etc/hostname/servers': Not a directory
+#pragma once
+
+#include <string>
+
+class LuSVNException;
+
+/// svn's code of an error that stands for bad command-line arguments.
+inline constexpr int TesseraArgumentParsingError = 205000;
+/// svn's code for too few arguments.
+inline constexpr int TesseraInsufficientArgumentsError = 205001;
+
+/// The failure and each cause of it, one "tessera: E<code>: <message>" line
+/// each. A line that would repeat an earlier one (a message-less link such as
+/// "Additional errors:" gets its code's standard text every time) shows once.
+void printError(const LuSVNException& failure);
+
+/// "tessera: warning: W<code>: <message>".
+void printWarning(int code, const std::string& message);
+
+/// svn's answer to arguments a command cannot take, with the way to its help:
+///   tessera: E205001: Try 'tessera help wc' for more information
+///   tessera: E205001: Not enough arguments provided
+[[noreturn]] void throwUsageError(const std::string& command, int code, const std::string& message);
