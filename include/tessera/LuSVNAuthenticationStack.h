@@ -127,8 +127,9 @@ public:
     // --- Subversion's credential iteration, outside an operation -------------
 
     /// The first credentials of the kind that the providers give for the
-    /// realm, with the iteration state in `iterator`; null (iterator
-    /// untouched) when none do or Subversion fails.
+    /// realm, with the iteration state in `iterator` (in the stack's pool:
+    /// valid as long as the stack); null (iterator untouched) when none do or
+    /// Subversion fails.
     std::shared_ptr<LuSVNCredentials> credentialsOfKind(const LuSVNCredentialsClass& credsKind,
                                                         const std::string& realm, svn_auth_iterstate_t*& iterator);
     /// The next credentials of the iteration; null when there are none or
