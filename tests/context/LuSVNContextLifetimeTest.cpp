@@ -87,20 +87,26 @@ public:
     std::uint32_t remoteChanges = 0;
 };
 
-// Passes every request on, noting the backend each one runs with.
+// Passes every request on, counting those made with another backend than
+// the one of the context the calling thread walks with.
 class BackendWitness : public LuSVNAuthenticationProvider {
 public:
     const LuSVNCredentialsClass& credentialsClass() const override { return LuSVNUsernameCredentials::classObject(); }
     std::shared_ptr<LuSVNCredentials> credentialsForRealm(const std::optional<std::string>&, const LuSVNAuthParameters&,
                                                           std::shared_ptr<void>&) override
     {
-        backends.push_back(LuSVNBundleCurrent());
+        ++requests;
+        mismatches += LuSVNBundleCurrent() == expected ? 0 : 1;
         return nullptr;
     }
     std::shared_ptr<LuSVNAuthenticationProvider> copy() const override { return std::make_shared<BackendWitness>(); }
 
-    std::vector<std::shared_ptr<LuSVNBundleProxy>> backends;
+    static thread_local std::shared_ptr<LuSVNBundleProxy> expected;
+    std::atomic<int> requests = 0;
+    std::atomic<int> mismatches = 0;
 };
+
+thread_local std::shared_ptr<LuSVNBundleProxy> BackendWitness::expected;
 
 class ContextLifetimeTest : public context_test::ContextTest {
 protected:
@@ -155,58 +161,80 @@ TEST_F(ContextLifetimeTest, OneProviderServesContextsThatOutliveEachOther)
             LuSVNBundleLoader::sharedInstance()->loadBundleAtPath(TESSERA_TEST_BUNDLE_1_6_23));
         passing->authenticationStack()->setProviders(providers);
     }
+    BackendWitness::expected = survivor->bundle();
     std::uint32_t remoteChanges = 0;
     walkAgainstRepository(repository.workingCopy, survivor, remoteChanges);
+    BackendWitness::expected.reset();
     EXPECT_EQ(remoteChanges, repository.remoteChanges);
-    EXPECT_EQ(witness->backends, (std::vector<std::shared_ptr<LuSVNBundleProxy>>{survivor->bundle()}));
+    EXPECT_EQ(witness->requests, 1);
+    EXPECT_EQ(witness->mismatches, 0);
 }
 
-// The providers of every context a pool makes are the same objects; the
-// threads walk at once while the pool makes and discards contexts.
-TEST_F(ContextLifetimeTest, ThreadsShareTheProvidersOfAPoolsContexts)
+// The same providers in the contexts of two pools, one per backend; the
+// threads walk at once while the pools make contexts and, after every walk,
+// let go of them all. Each request runs with the backend of the context that
+// asks.
+TEST_F(ContextLifetimeTest, ThreadsShareTheProvidersOfThePoolsContexts)
 {
     const ChangedRepository repository(repositoryURL);
+    const auto witness = std::make_shared<BackendWitness>();
+    const std::vector<LuSVNAuthenticationStack::Provider> providers{witness, std::make_shared<LuSVNUsernameProvider>(),
+                                                                    std::make_shared<AuthorProvider>()};
     class Factory : public LuSVNContextFactory {
     public:
-        explicit Factory(std::string configurationDirectory) : configurationDirectory_(std::move(configurationDirectory)) {}
+        Factory(std::shared_ptr<LuSVNBundleProxy> bundle, std::string configurationDirectory,
+                std::vector<LuSVNAuthenticationStack::Provider> providers)
+            : bundle_(std::move(bundle)),
+              configurationDirectory_(std::move(configurationDirectory)),
+              providers_(std::move(providers))
+        {
+        }
         std::shared_ptr<LuSVNContext> createContext() override
         {
-            auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle(), {},
-                                                           configurationDirectory_);
-            context->authenticationStack()->setProviders(providers);
+            auto context = LuSVNContext::contextWithBundle(bundle_, {}, configurationDirectory_);
+            context->authenticationStack()->setProviders(providers_);
             return context;
         }
-        const std::vector<LuSVNAuthenticationStack::Provider> providers{std::make_shared<LuSVNUsernameProvider>(),
-                                                            std::make_shared<AuthorProvider>()};
 
     private:
+        std::shared_ptr<LuSVNBundleProxy> bundle_;
         std::string configurationDirectory_;
+        std::vector<LuSVNAuthenticationStack::Provider> providers_;
     };
-    const auto pool = LuSVNContextPool::poolWithFactory(std::make_shared<Factory>(configurationDirectory));
-    pool->setMaximumFreeSize(0);
+    const auto loader = LuSVNBundleLoader::sharedInstance();
+    const std::shared_ptr<LuSVNBundleProxy> backends[] = {loader->newestBundle(),
+                                                          loader->loadBundleAtPath(TESSERA_TEST_BUNDLE_1_6_23)};
+    const std::shared_ptr<LuSVNContextPool> pools[] = {
+        LuSVNContextPool::poolWithFactory(std::make_shared<Factory>(backends[0], configurationDirectory, providers)),
+        LuSVNContextPool::poolWithFactory(std::make_shared<Factory>(backends[1], configurationDirectory, providers))};
 
     constexpr int threads = 4;
-    constexpr int rounds = 3;
+    constexpr int rounds = 4;
     std::latch start(threads);
     std::atomic<int> walks = 0;
     std::vector<std::thread> workers;
     for (int t = 0; t < threads; ++t) {
-        workers.emplace_back([&] {
+        workers.emplace_back([&, t] {
+            const auto& pool = pools[t % 2];
+            BackendWitness::expected = backends[t % 2];
             start.arrive_and_wait();
             for (int round = 0; round < rounds; ++round) {
                 try {
                     std::uint32_t remoteChanges = 0;
                     walkAgainstRepository(repository.workingCopy, pool->context(), remoteChanges);
                     walks += remoteChanges == repository.remoteChanges ? 1 : 0;
+                    pool->removeAllContexts();
                 } catch (const std::exception& e) {
                     ADD_FAILURE() << e.what();
                 }
             }
+            BackendWitness::expected.reset();
         });
     }
     for (auto& worker : workers)
         worker.join();
     EXPECT_EQ(walks, threads * rounds);
+    EXPECT_EQ(witness->mismatches, 0);
 }
 
 }  // namespace
