@@ -13,7 +13,13 @@
 //
 // and copy(). The bridge turns the object into Subversion's provider
 // (providerObjectFromPool) whose C callbacks, the trampolines below, call
-// these operations with the backend of the provider pushed.
+// these operations with the backend of the asking stack pushed.
+//
+// A provider may sit in any number of authentication stacks at once, those
+// of contexts on other threads included: each stack has its own Subversion
+// provider for it, made in the stack's pool, and the provider keeps nothing
+// of any stack. Its operations may thus be called on several threads at
+// once; a provider with state of its own guards it.
 //
 //   class Answer : public LuSVNAuthenticationProvider {
 //       const LuSVNCredentialsClass& credentialsClass() const override
@@ -60,20 +66,32 @@ public:
     virtual ~LuSVNAuthenticationProviderDelegate();
 };
 
-class TESSERA_EXPORT LuSVNAuthenticationProvider {
+class LuSVNAuthenticationProvider;
+
+/// What one authentication stack made of a provider: the baton of the
+/// Subversion provider that providerObjectFromPool makes, living in the same
+/// pool, which keeps the binding (and through it the provider) alive.
+struct LuSVNAuthenticationProviderBinding {
+    std::shared_ptr<LuSVNAuthenticationProvider> provider;
+    /// The backend of the stack, pushed for every request.
+    std::shared_ptr<LuSVNBundleProxy> bundle;
+    /// The provider of Subversion's own that a
+    /// LuSVNBuiltInAuthenticationProvider forwards to, made in the same pool;
+    /// null for other providers.
+    svn_auth_provider_object_t* builtInProvider = nullptr;
+};
+
+/// Providers are owned by std::shared_ptr: a stack's Subversion provider keeps
+/// its provider alive.
+class TESSERA_EXPORT LuSVNAuthenticationProvider : public std::enable_shared_from_this<LuSVNAuthenticationProvider> {
 public:
     virtual ~LuSVNAuthenticationProvider();
 
     std::shared_ptr<LuSVNAuthenticationProviderDelegate> delegate() const { return delegate_.lock(); }
     void setDelegate(std::weak_ptr<LuSVNAuthenticationProviderDelegate> delegate) { delegate_ = std::move(delegate); }
 
-    /// The backend whose entry points the provider uses; the authentication
-    /// stack sets its own each time it builds its baton.
-    const std::shared_ptr<LuSVNBundleProxy>& bundle() const { return bundle_; }
-    void setBundle(std::shared_ptr<LuSVNBundleProxy> bundle) { bundle_ = std::move(bundle); }
-
     /// A new provider of the same class with the same delegate and the
-    /// subclass's own settings; the backend is not copied.
+    /// subclass's own settings.
     virtual std::shared_ptr<LuSVNAuthenticationProvider> copy() const = 0;
 
     /// "<ClassName: 0x...>", unique among the living providers.
@@ -108,25 +126,30 @@ public:
 
     // --- Subversion level ---------------------------------------------------
 
-    /// Subversion's provider for this object, in the pool, through the
-    /// current backend: cred_kind is the kind of credentialsClass(), the
-    /// callbacks are the trampolines and the baton is this object (not
-    /// retained: the stack's list keeps the provider alive). Raises "Invalid
-    /// parameter not satisfying: pool != nil" for a null pool.
+    /// Subversion's provider for this object in one stack, made in the
+    /// stack's pool through the current backend: cred_kind is the kind of
+    /// credentialsClass(), the callbacks are the trampolines and the baton is
+    /// a LuSVNAuthenticationProviderBinding of this provider and the current
+    /// backend, which the pool keeps. Raises "Invalid parameter not
+    /// satisfying: pool != nil" for a null pool.
     virtual svn_auth_provider_object_t* providerObjectFromPool(apr_pool_t* pool);
 
     /// The requests with Subversion's own arguments, called by the
-    /// trampolines. Here they convert the realm and the parameters and ask
-    /// the object-level operations: first credentials come with a new
-    /// LuSVNAuthenticationIterator as iteration baton, kept alive by the pool.
-    /// The parameters and the pool are required ("parameters != NULL",
-    /// "pool != NULL"), as are the out arguments.
-    virtual svn_error_t* firstSVNCredentials(void** credentials, void** iterBaton, apr_hash_t* parameters,
-                                             const char* realm, apr_pool_t* pool);
-    virtual svn_error_t* nextSVNCredentials(void** credentials, void* iterBaton, apr_hash_t* parameters,
-                                            const char* realm, apr_pool_t* pool);
+    /// trampolines with the binding of the asking stack. Here they convert the
+    /// realm and the parameters and ask the object-level operations: first
+    /// credentials come with a new LuSVNAuthenticationIterator as iteration
+    /// baton, kept alive by the pool. The parameters and the pool are
+    /// required ("parameters != NULL", "pool != NULL"), as are the out
+    /// arguments.
+    virtual svn_error_t* firstSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, void** credentials,
+                                             void** iterBaton, apr_hash_t* parameters, const char* realm,
+                                             apr_pool_t* pool);
+    virtual svn_error_t* nextSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, void** credentials,
+                                            void* iterBaton, apr_hash_t* parameters, const char* realm,
+                                            apr_pool_t* pool);
     /// `saved` is Subversion's svn_boolean_t.
-    virtual svn_error_t* saveSVNCredentials(int* saved, void* credentials, apr_hash_t* parameters, const char* realm,
+    virtual svn_error_t* saveSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, int* saved,
+                                            void* credentials, apr_hash_t* parameters, const char* realm,
                                             apr_pool_t* pool);
 
     // --- How often the provider was asked on this thread ----------------------
@@ -140,17 +163,24 @@ public:
 protected:
     LuSVNAuthenticationProvider() = default;
     /// Copies the delegate only.
-    LuSVNAuthenticationProvider(const LuSVNAuthenticationProvider& other) : delegate_(other.delegate_) {}
+    LuSVNAuthenticationProvider(const LuSVNAuthenticationProvider& other)
+        : std::enable_shared_from_this<LuSVNAuthenticationProvider>(other), delegate_(other.delegate_)
+    {
+    }
     LuSVNAuthenticationProvider& operator=(const LuSVNAuthenticationProvider&) = delete;
+
+    /// Subversion's provider calling the trampolines, with a binding of this
+    /// provider, the current backend and the given provider of Subversion's
+    /// own, kept by the pool.
+    svn_auth_provider_object_t* bridgeProviderObject(apr_pool_t* pool, svn_auth_provider_object_t* builtInProvider);
 
 private:
     std::weak_ptr<LuSVNAuthenticationProviderDelegate> delegate_;
-    std::shared_ptr<LuSVNBundleProxy> bundle_;
 };
 
 // The callbacks of every provider the bridge builds, with Subversion's
-// signatures; the provider baton is the LuSVNAuthenticationProvider. Each
-// pushes the provider's backend, calls the provider's Subversion-level
+// signatures; the provider baton is the LuSVNAuthenticationProviderBinding.
+// Each pushes the binding's backend, calls the provider's Subversion-level
 // operation and pops. They never let an exception through (see above).
 TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderFirstCredentialsFunc(void** credentials, void** iter_baton,
                                                                           void* provider_baton,

@@ -1,19 +1,25 @@
 // The ordered list of authentication providers of a client context, and the
 // Subversion authentication baton made from it.
 //
-// The context owns one stack, made in its pool, and stores baton() in its
-// Subversion client context; as the stack's delegate it is told of every new
-// baton:
+// The context owns one stack and stores baton() in its Subversion client
+// context; as the stack's delegate it is told of every new baton:
 //
-//   auto stack = LuSVNAuthenticationStack::stackWithBundle(bundle, pool);
+//   auto stack = LuSVNAuthenticationStack::stackWithBundle(bundle);
 //   stack->setDelegate(context);            // authenticationStackBatonChanged
 //   stack->addProvider(provider);           // a new baton, one notification
 //   stack->setValue(std::string("alice"), LuSVNAuthParamDefaultUsername);
 //
-// Every change of the provider list builds a new baton at once (in the pool;
-// older batons stay there until the pool goes) and tells the delegate once.
-// Run-time parameters belong to a baton: after any change of the providers
-// they are all unset, and owners set them again.
+// The stack owns the pool its batons live in, so a stack stays usable as
+// long as the application holds it, also after its context made another one
+// (LuSVNContext::setBundle) or went: it then belongs to no context, and what
+// is done with it reaches no client context.
+//
+// Every change of the provider list builds a new baton at once (in the
+// stack's pool; older batons stay there until the stack goes) and tells the
+// delegate once. Each baton has Subversion providers of its own for the
+// provider objects, so one provider object may sit in any number of stacks,
+// on any threads. Run-time parameters belong to a baton: after any change of
+// the providers they are all unset, and owners set them again.
 //
 // The stack has no lock: it is used on the thread of its context.
 #pragma once
@@ -53,12 +59,12 @@ public:
     using Provider = std::shared_ptr<LuSVNAuthenticationProvider>;
 
     /// A stack of no providers with its first baton, built through the backend
-    /// in the pool, which the caller keeps alive as long as the stack. Raises
-    /// "Invalid parameter not satisfying: theBundle != nil" or "... thePool !=
-    /// nil".
-    static std::shared_ptr<LuSVNAuthenticationStack> stackWithBundle(std::shared_ptr<LuSVNBundleProxy> bundle,
-                                                                     apr_pool_t* pool);
+    /// in a pool of the stack's own. Raises "Invalid parameter not satisfying:
+    /// theBundle != nil".
+    static std::shared_ptr<LuSVNAuthenticationStack> stackWithBundle(std::shared_ptr<LuSVNBundleProxy> bundle);
 
+    /// Destroys the pool, and with it every baton of the stack.
+    ~LuSVNAuthenticationStack();
     LuSVNAuthenticationStack(const LuSVNAuthenticationStack&) = delete;
     LuSVNAuthenticationStack& operator=(const LuSVNAuthenticationStack&) = delete;
 
@@ -67,6 +73,7 @@ public:
     void setDelegate(std::weak_ptr<LuSVNAuthenticationStackDelegate> delegate) { delegate_ = std::move(delegate); }
 
     const std::shared_ptr<LuSVNBundleProxy>& bundle() const { return bundle_; }
+    /// The stack's own pool, which holds its batons and parameters.
     apr_pool_t* pool() const { return pool_; }
     /// The baton built from the current list.
     svn_auth_baton_t* baton() const { return baton_; }
@@ -120,8 +127,9 @@ public:
     // --- Subversion's credential iteration, outside an operation -------------
 
     /// The first credentials of the kind that the providers give for the
-    /// realm, with the iteration state in `iterator`; null (iterator
-    /// untouched) when none do or Subversion fails.
+    /// realm, with the iteration state in `iterator` (in the stack's pool:
+    /// valid as long as the stack); null (iterator untouched) when none do or
+    /// Subversion fails.
     std::shared_ptr<LuSVNCredentials> credentialsOfKind(const LuSVNCredentialsClass& credsKind,
                                                         const std::string& realm, svn_auth_iterstate_t*& iterator);
     /// The next credentials of the iteration; null when there are none or
@@ -137,7 +145,7 @@ public:
                          svn_auth_iterstate_t* iterator);
 
 private:
-    LuSVNAuthenticationStack(std::shared_ptr<LuSVNBundleProxy> bundle, apr_pool_t* pool);
+    explicit LuSVNAuthenticationStack(std::shared_ptr<LuSVNBundleProxy> bundle);
 
     // The one way the list changes: a baton for the new list first (so a
     // failure changes nothing), then the list, then the delegate.

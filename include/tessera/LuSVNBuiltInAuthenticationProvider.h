@@ -14,38 +14,35 @@
 
 class TESSERA_EXPORT LuSVNBuiltInAuthenticationProvider : public LuSVNAuthenticationProvider {
 public:
-    /// The wrapped provider made at the last providerObjectFromPool, in that
-    /// pool; null before.
-    svn_auth_provider_object_t* providerObject() const { return providerObject_; }
-
     /// The backend's provider, in the pool, through the current backend. Null
     /// here; raises "Invalid parameter not satisfying: pool != NULL" for a
     /// null pool.
     virtual svn_auth_provider_object_t* builtInProviderObjectFromPool(apr_pool_t* pool);
 
-    /// Makes the wrapped provider (builtInProviderObjectFromPool) and returns
-    /// the bridge's provider for this object. Raises "Invalid parameter not
-    /// satisfying: pool != nil" for a null pool.
+    /// Makes the wrapped provider (builtInProviderObjectFromPool) in the pool
+    /// and returns the bridge's provider for this object, whose binding holds
+    /// it: every stack wraps a provider of its own. Raises "Invalid parameter
+    /// not satisfying: pool != nil" for a null pool.
     svn_auth_provider_object_t* providerObjectFromPool(apr_pool_t* pool) override;
 
-    /// Forwarded to the wrapped provider's callbacks, with its own baton; a
-    /// callback it lacks answers no credentials (save: not saved) and no
-    /// error. first sets the thread retry count to 0, next increments it.
-    svn_error_t* firstSVNCredentials(void** credentials, void** iterBaton, apr_hash_t* parameters, const char* realm,
+    /// Forwarded to the callbacks of the binding's wrapped provider, with its
+    /// own baton; a callback it lacks answers no credentials (save: not
+    /// saved) and no error. first sets the thread retry count to 0, next
+    /// increments it.
+    svn_error_t* firstSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, void** credentials,
+                                     void** iterBaton, apr_hash_t* parameters, const char* realm,
                                      apr_pool_t* pool) override;
-    svn_error_t* nextSVNCredentials(void** credentials, void* iterBaton, apr_hash_t* parameters, const char* realm,
+    svn_error_t* nextSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, void** credentials,
+                                    void* iterBaton, apr_hash_t* parameters, const char* realm,
                                     apr_pool_t* pool) override;
-    svn_error_t* saveSVNCredentials(int* saved, void* credentials, apr_hash_t* parameters, const char* realm,
-                                    apr_pool_t* pool) override;
+    svn_error_t* saveSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, int* saved, void* credentials,
+                                    apr_hash_t* parameters, const char* realm, apr_pool_t* pool) override;
 
 protected:
     LuSVNBuiltInAuthenticationProvider() = default;
-    /// Copies the delegate only; the copy makes its own wrapped provider.
+    /// Copies the delegate only.
     LuSVNBuiltInAuthenticationProvider(const LuSVNBuiltInAuthenticationProvider& other)
         : LuSVNAuthenticationProvider(other)
     {
     }
-
-private:
-    svn_auth_provider_object_t* providerObject_ = nullptr;
 };

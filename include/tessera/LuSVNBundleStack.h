@@ -17,6 +17,7 @@ TESSERA_EXPORT void LuSVNBundlePush(std::shared_ptr<LuSVNBundleProxy> proxy);
 /// "Unbalanced bundle stack pop" when the stack is empty.
 TESSERA_EXPORT std::shared_ptr<LuSVNBundleProxy> LuSVNBundlePop();
 
-/// The top backend. Raises LuSVNGenericException "Bundle stack is empty" when
-/// the stack is empty.
-TESSERA_EXPORT const std::shared_ptr<LuSVNBundleProxy>& LuSVNBundleCurrent();
+/// The top backend (a reference of the caller's own, which later pushes and
+/// pops leave valid). Raises LuSVNGenericException "Bundle stack is empty"
+/// when the stack is empty.
+TESSERA_EXPORT std::shared_ptr<LuSVNBundleProxy> LuSVNBundleCurrent();

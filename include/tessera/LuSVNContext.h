@@ -147,12 +147,14 @@ public:
     /// Rebinds the context: the pool and client context of the old backend
     /// are destroyed, and the new backend makes fresh ones, reads the
     /// configuration directory again and gets the callbacks installed. The
-    /// authentication stack is made anew for the new backend and pool with
-    /// the same providers; run-time authentication parameters are unset
-    /// again. Null unbinds: the context then has no pool, client context or
-    /// authentication stack, and rebinding it later starts with no
-    /// providers. When the new backend fails, the context is left unbound and
-    /// the exception raised.
+    /// authentication stack is made anew for the new backend with the same
+    /// providers; run-time authentication parameters are unset again. A stack
+    /// taken from the context before stays usable but is no longer the
+    /// context's: changes to it do not reach the context, so ask
+    /// authenticationStack() again. Null unbinds: the context then has no
+    /// pool, client context or authentication stack, and rebinding it later
+    /// starts with no providers. When the new backend fails, the context is
+    /// left unbound and the exception raised.
     void setBundle(std::shared_ptr<LuSVNBundleProxy> bundle);
 
     /// For operations: the root pool and the client context; null while
@@ -162,7 +164,7 @@ public:
     svn_client_ctx_t* ctx() const { return ctx_; }
 
     /// Null while unbound.
-    const std::shared_ptr<LuSVNAuthenticationStack>& authenticationStack() const { return authenticationStack_; }
+    std::shared_ptr<LuSVNAuthenticationStack> authenticationStack() const;
 
     /// For operations, after the backend call made with ctx(), while its
     /// frame still stands: raises the exception that a handler or provider of
@@ -238,7 +240,8 @@ public:
     /// Hands the notification to the notification handler, if any.
     void notify(const LuSVNNotification& notification);
 
-    /// Stores the new baton into the client context.
+    /// Stores the new baton of the context's own stack into the client
+    /// context; the batons of any other stack are ignored.
     void authenticationStackBatonChanged(LuSVNAuthenticationStack& stack, svn_auth_baton_t* baton) override;
 
     /// "<LuSVNContext: 0x...> (<bundleVersion>)", "(null)" without version.

@@ -62,16 +62,15 @@ public:
     virtual bool contextPromptForLogMessage(LuSVNContext& context, std::optional<std::string>& message,
                                             const std::vector<LuSVNCommitItem>& items);
 
-    /// A new LuSVNLogMessageProvider without next provider. As a side effect
-    /// this provider's next provider is replaced by a copy of it, so that the
-    /// two chains share no link behind this one. Subclasses override it to
-    /// make their own kind and call copyNextProvider.
-    virtual std::shared_ptr<LuSVNLogMessageProvider> copy();
+    /// A new provider of the same class and settings linking to the same
+    /// next provider: the links behind it are shared, not copied, and this
+    /// provider is left as it was. A subclass overrides it to copy itself;
+    /// one that does not cannot be copied and raises
+    /// LuSVNInvalidArgumentException "<class> does not override copy()", so
+    /// that no copy ever answers in its place with another kind's answer.
+    virtual std::shared_ptr<LuSVNLogMessageProvider> copy() const;
 
 protected:
-    /// Replaces the next provider, if any, by its copy.
-    void copyNextProvider();
-
     mutable std::recursive_mutex lock_;
 
 private:

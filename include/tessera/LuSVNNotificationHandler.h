@@ -56,7 +56,9 @@ public:
     virtual void contextNotify(LuSVNContext& context, const LuSVNNotification& notification);
 
     /// A new handler linking to the same next handler (the rest of the chain
-    /// is shared, not copied). Subclasses override it to copy themselves.
+    /// is shared, not copied). Subclasses override it to copy themselves; one
+    /// that does not cannot be copied and raises
+    /// LuSVNInvalidArgumentException "<class> does not override copy()".
     virtual std::shared_ptr<LuSVNNotificationHandler> copy() const;
 
 protected:

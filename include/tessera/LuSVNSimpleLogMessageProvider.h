@@ -30,10 +30,9 @@ public:
     bool contextPromptForLogMessage(LuSVNContext& context, std::optional<std::string>& message,
                                     const std::vector<LuSVNCommitItem>& items) override;
 
-    /// A new simple provider with the same message and without next provider;
-    /// this provider's next provider is replaced by a copy of it (see
-    /// LuSVNLogMessageProvider::copy).
-    std::shared_ptr<LuSVNLogMessageProvider> copy() override;
+    /// A new simple provider with the same message and the same next
+    /// provider (see LuSVNLogMessageProvider::copy).
+    std::shared_ptr<LuSVNLogMessageProvider> copy() const override;
 
 private:
     std::optional<std::string> message_;

@@ -1,5 +1,6 @@
 #include <tessera/LuSVNAuthenticationIterator.h>
 #include <tessera/LuSVNAuthenticationProvider.h>
+#include <tessera/LuSVNBundleStack.h>
 #include <tessera/LuSVNDebug.h>
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNPool.h>
@@ -65,10 +66,10 @@ svn_error_t* providerRequest(const char* message, void* providerBaton, Check che
 {
     try {
         check();
-        auto& provider = *static_cast<LuSVNAuthenticationProvider*>(providerBaton);
-        LuSVNBundlePushed pushed(provider.bundle());
+        const auto& binding = *static_cast<const LuSVNAuthenticationProviderBinding*>(providerBaton);
+        LuSVNBundlePushed pushed(binding.bundle);
         try {
-            return call(provider);
+            return call(*binding.provider, binding);
         } catch (...) {
             // Made while the provider's backend is still pushed.
             return errorForProviderException(std::current_exception(), message);
@@ -145,6 +146,16 @@ bool LuSVNAuthenticationProvider::saveCredentials(const std::shared_ptr<LuSVNCre
 svn_auth_provider_object_t* LuSVNAuthenticationProvider::providerObjectFromPool(apr_pool_t* pool)
 {
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != nil");
+    return bridgeProviderObject(pool, nullptr);
+}
+
+svn_auth_provider_object_t* LuSVNAuthenticationProvider::bridgeProviderObject(
+    apr_pool_t* pool, svn_auth_provider_object_t* builtInProvider)
+{
+    // Everything a stack needs of the provider is in its own binding, so the
+    // same provider serves any number of stacks.
+    auto binding = std::make_shared<LuSVNAuthenticationProviderBinding>(
+        LuSVNAuthenticationProviderBinding{shared_from_this(), LuSVNBundleCurrent(), builtInProvider});
     auto* table = LuSVNPoolAllocateZeroed<svn_auth_provider_t>(pool);
     table->cred_kind = LuSVNPoolCopyString(std::string(credentialsClass().kind), pool);
     table->first_credentials = LuSVNAuthenticationProviderFirstCredentialsFunc;
@@ -152,11 +163,12 @@ svn_auth_provider_object_t* LuSVNAuthenticationProvider::providerObjectFromPool(
     table->save_credentials = LuSVNAuthenticationProviderSaveCredentialsFunc;
     auto* provider = LuSVNPoolAllocateZeroed<svn_auth_provider_object_t>(pool);
     provider->vtable = table;
-    provider->provider_baton = this;
+    provider->provider_baton = LuSVNRetainInPool(std::move(binding), pool).get();
     return provider;
 }
 
-svn_error_t* LuSVNAuthenticationProvider::firstSVNCredentials(void** credentials, void** iterBaton,
+svn_error_t* LuSVNAuthenticationProvider::firstSVNCredentials(const LuSVNAuthenticationProviderBinding&,
+                                                              void** credentials, void** iterBaton,
                                                               apr_hash_t* parameters, const char* realm,
                                                               apr_pool_t* pool)
 {
@@ -176,7 +188,8 @@ svn_error_t* LuSVNAuthenticationProvider::firstSVNCredentials(void** credentials
     return nullptr;
 }
 
-svn_error_t* LuSVNAuthenticationProvider::nextSVNCredentials(void** credentials, void* iterBaton,
+svn_error_t* LuSVNAuthenticationProvider::nextSVNCredentials(const LuSVNAuthenticationProviderBinding&,
+                                                             void** credentials, void* iterBaton,
                                                              apr_hash_t* parameters, const char* realm,
                                                              apr_pool_t* pool)
 {
@@ -197,7 +210,8 @@ svn_error_t* LuSVNAuthenticationProvider::nextSVNCredentials(void** credentials,
     return nullptr;
 }
 
-svn_error_t* LuSVNAuthenticationProvider::saveSVNCredentials(int* saved, void* credentials, apr_hash_t* parameters,
+svn_error_t* LuSVNAuthenticationProvider::saveSVNCredentials(const LuSVNAuthenticationProviderBinding&, int* saved,
+                                                             void* credentials, apr_hash_t* parameters,
                                                              const char* realm, apr_pool_t* pool)
 {
     LUSVN_PARAMETER_ASSERT(saved != nullptr, "saved != NULL");
@@ -246,8 +260,8 @@ svn_error_t* LuSVNAuthenticationProviderFirstCredentialsFunc(void** credentials,
             *credentials = nullptr;
             *iter_baton = nullptr;
         },
-        [&](LuSVNAuthenticationProvider& provider) {
-            return provider.firstSVNCredentials(credentials, iter_baton, parameters, realm, pool);
+        [&](LuSVNAuthenticationProvider& provider, const LuSVNAuthenticationProviderBinding& binding) {
+            return provider.firstSVNCredentials(binding, credentials, iter_baton, parameters, realm, pool);
         });
 }
 
@@ -264,8 +278,8 @@ svn_error_t* LuSVNAuthenticationProviderNextCredentialsFunc(void** credentials, 
             LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
             *credentials = nullptr;
         },
-        [&](LuSVNAuthenticationProvider& provider) {
-            return provider.nextSVNCredentials(credentials, iter_baton, parameters, realm, pool);
+        [&](LuSVNAuthenticationProvider& provider, const LuSVNAuthenticationProviderBinding& binding) {
+            return provider.nextSVNCredentials(binding, credentials, iter_baton, parameters, realm, pool);
         });
 }
 
@@ -283,8 +297,8 @@ svn_error_t* LuSVNAuthenticationProviderSaveCredentialsFunc(int* saved, void* cr
             LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
             *saved = 0;
         },
-        [&](LuSVNAuthenticationProvider& provider) {
-            return provider.saveSVNCredentials(saved, credentials, parameters, realm, pool);
+        [&](LuSVNAuthenticationProvider& provider, const LuSVNAuthenticationProviderBinding& binding) {
+            return provider.saveSVNCredentials(binding, saved, credentials, parameters, realm, pool);
         });
 }
 

@@ -29,18 +29,32 @@ LuSVNAuthenticationStackDelegate::~LuSVNAuthenticationStackDelegate() = default;
 void LuSVNAuthenticationStackDelegate::authenticationStackBatonChanged(LuSVNAuthenticationStack&, svn_auth_baton_t*) {}
 
 std::shared_ptr<LuSVNAuthenticationStack> LuSVNAuthenticationStack::stackWithBundle(
-    std::shared_ptr<LuSVNBundleProxy> bundle, apr_pool_t* pool)
+    std::shared_ptr<LuSVNBundleProxy> bundle)
 {
     LUSVN_PARAMETER_ASSERT(bundle != nullptr, "theBundle != nil");
-    LUSVN_PARAMETER_ASSERT(pool != nullptr, "thePool != nil");
-    LUSVN_TRACE(className, "initWithBundle:pool", {"bundle", bundle->description()});
-    return std::shared_ptr<LuSVNAuthenticationStack>(new LuSVNAuthenticationStack(std::move(bundle), pool));
+    LUSVN_TRACE(className, "initWithBundle", {"bundle", bundle->description()});
+    return std::shared_ptr<LuSVNAuthenticationStack>(new LuSVNAuthenticationStack(std::move(bundle)));
 }
 
-LuSVNAuthenticationStack::LuSVNAuthenticationStack(std::shared_ptr<LuSVNBundleProxy> bundle, apr_pool_t* pool)
-    : bundle_(std::move(bundle)), pool_(pool)
+// The pool is the stack's own, not its context's: an application may hold
+// the stack longer than the context keeps its pool.
+LuSVNAuthenticationStack::LuSVNAuthenticationStack(std::shared_ptr<LuSVNBundleProxy> bundle)
+    : bundle_(std::move(bundle))
 {
-    baton_ = createBaton(providers_);
+    LuSVNBundlePushed pushed(bundle_);
+    pool_ = LuSVNEntry<19>()(nullptr, nullptr);
+    try {
+        baton_ = createBaton(providers_);
+    } catch (...) {
+        LuSVNEntry<20>()(pool_);
+        throw;
+    }
+}
+
+LuSVNAuthenticationStack::~LuSVNAuthenticationStack()
+{
+    LuSVNBundlePushed pushed(bundle_);
+    LuSVNEntry<20>()(pool_);
 }
 
 void LuSVNAuthenticationStack::setProviders(std::vector<Provider> providers)
@@ -130,10 +144,10 @@ svn_auth_baton_t* LuSVNAuthenticationStack::createBaton(const std::vector<Provid
     LuSVNBundlePushed pushed(bundle_);
     apr_array_header_t* array =
         LuSVNEntry<11>()(pool_, static_cast<int>(providers.size()), static_cast<int>(sizeof(void*)));
-    for (const Provider& provider : providers) {
-        provider->setBundle(bundle_);
+    // Each provider makes its Subversion provider for this stack, bound to
+    // the backend pushed here, in this stack's pool.
+    for (const Provider& provider : providers)
         *static_cast<svn_auth_provider_object_t**>(LuSVNEntry<12>()(array)) = provider->providerObjectFromPool(pool_);
-    }
     svn_auth_baton_t* baton = nullptr;
     LuSVNEntry<89>()(&baton, array, pool_);
     return baton;

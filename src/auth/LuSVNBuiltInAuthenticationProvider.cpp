@@ -12,11 +12,11 @@ svn_auth_provider_object_t* LuSVNBuiltInAuthenticationProvider::builtInProviderO
 svn_auth_provider_object_t* LuSVNBuiltInAuthenticationProvider::providerObjectFromPool(apr_pool_t* pool)
 {
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != nil");
-    providerObject_ = builtInProviderObjectFromPool(pool);
-    return LuSVNAuthenticationProvider::providerObjectFromPool(pool);
+    return bridgeProviderObject(pool, builtInProviderObjectFromPool(pool));
 }
 
-svn_error_t* LuSVNBuiltInAuthenticationProvider::firstSVNCredentials(void** credentials, void** iterBaton,
+svn_error_t* LuSVNBuiltInAuthenticationProvider::firstSVNCredentials(const LuSVNAuthenticationProviderBinding& binding,
+                                                                     void** credentials, void** iterBaton,
                                                                      apr_hash_t* parameters, const char* realm,
                                                                      apr_pool_t* pool)
 {
@@ -27,13 +27,14 @@ svn_error_t* LuSVNBuiltInAuthenticationProvider::firstSVNCredentials(void** cred
     *credentials = nullptr;
     *iterBaton = nullptr;
     setThreadRetryCount(0);
-    if (!providerObject_ || !providerObject_->vtable->first_credentials)
+    const svn_auth_provider_object_t* wrapped = binding.builtInProvider;
+    if (!wrapped || !wrapped->vtable->first_credentials)
         return nullptr;
-    return providerObject_->vtable->first_credentials(credentials, iterBaton, providerObject_->provider_baton,
-                                                      parameters, realm, pool);
+    return wrapped->vtable->first_credentials(credentials, iterBaton, wrapped->provider_baton, parameters, realm, pool);
 }
 
-svn_error_t* LuSVNBuiltInAuthenticationProvider::nextSVNCredentials(void** credentials, void* iterBaton,
+svn_error_t* LuSVNBuiltInAuthenticationProvider::nextSVNCredentials(const LuSVNAuthenticationProviderBinding& binding,
+                                                                    void** credentials, void* iterBaton,
                                                                     apr_hash_t* parameters, const char* realm,
                                                                     apr_pool_t* pool)
 {
@@ -42,13 +43,14 @@ svn_error_t* LuSVNBuiltInAuthenticationProvider::nextSVNCredentials(void** crede
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
     *credentials = nullptr;
     setThreadRetryCount(threadRetryCount() + 1);
-    if (!providerObject_ || !providerObject_->vtable->next_credentials)
+    const svn_auth_provider_object_t* wrapped = binding.builtInProvider;
+    if (!wrapped || !wrapped->vtable->next_credentials)
         return nullptr;
-    return providerObject_->vtable->next_credentials(credentials, iterBaton, providerObject_->provider_baton,
-                                                     parameters, realm, pool);
+    return wrapped->vtable->next_credentials(credentials, iterBaton, wrapped->provider_baton, parameters, realm, pool);
 }
 
-svn_error_t* LuSVNBuiltInAuthenticationProvider::saveSVNCredentials(int* saved, void* credentials,
+svn_error_t* LuSVNBuiltInAuthenticationProvider::saveSVNCredentials(const LuSVNAuthenticationProviderBinding& binding,
+                                                                    int* saved, void* credentials,
                                                                     apr_hash_t* parameters, const char* realm,
                                                                     apr_pool_t* pool)
 {
@@ -57,8 +59,8 @@ svn_error_t* LuSVNBuiltInAuthenticationProvider::saveSVNCredentials(int* saved, 
     LUSVN_PARAMETER_ASSERT(parameters != nullptr, "parameters != NULL");
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
     *saved = 0;
-    if (!providerObject_ || !providerObject_->vtable->save_credentials)
+    const svn_auth_provider_object_t* wrapped = binding.builtInProvider;
+    if (!wrapped || !wrapped->vtable->save_credentials)
         return nullptr;
-    return providerObject_->vtable->save_credentials(saved, credentials, providerObject_->provider_baton, parameters,
-                                                     realm, pool);
+    return wrapped->vtable->save_credentials(saved, credentials, wrapped->provider_baton, parameters, realm, pool);
 }

@@ -79,11 +79,13 @@ void LuSVNContext::setBundle(std::shared_ptr<LuSVNBundleProxy> bundle)
 {
     LUSVN_TRACE(className, "setBundle", {"bundle", bundle ? bundle->description() : "(null)"});
     std::lock_guard<std::recursive_mutex> guard(lock_);
-    // The stack lives in the pool about to go: its providers move to a stack
-    // made in the new pool.
+    // The stack's batons are the old backend's: its providers move to a
+    // stack of the new one. The application may still hold the old stack;
+    // it keeps working on its own but no longer reaches this context.
     std::vector<LuSVNAuthenticationStack::Provider> providers;
     if (authenticationStack_) {
         providers = authenticationStack_->providers();
+        authenticationStack_->setDelegate({});
         authenticationStack_.reset();
     }
     destroyContext();
@@ -133,7 +135,7 @@ void LuSVNContext::setupContext()
 
 void LuSVNContext::makeAuthenticationStack(std::vector<LuSVNAuthenticationStack::Provider> providers)
 {
-    authenticationStack_ = LuSVNAuthenticationStack::stackWithBundle(bundle_, pool_);
+    authenticationStack_ = LuSVNAuthenticationStack::stackWithBundle(bundle_);
     authenticationStack_->setDelegate(weak_from_this());
     ctx_->auth_baton = authenticationStack_->baton();
     if (!providers.empty())
@@ -189,10 +191,19 @@ void LuSVNContext::notify(const LuSVNNotification& notification)
         handler->contextNotify(*this, notification);
 }
 
-void LuSVNContext::authenticationStackBatonChanged(LuSVNAuthenticationStack&, svn_auth_baton_t* baton)
+std::shared_ptr<LuSVNAuthenticationStack> LuSVNContext::authenticationStack() const
 {
     std::lock_guard<std::recursive_mutex> guard(lock_);
-    if (ctx_)
+    return authenticationStack_;
+}
+
+void LuSVNContext::authenticationStackBatonChanged(LuSVNAuthenticationStack& stack, svn_auth_baton_t* baton)
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    // Only the context's own stack: another one made this context its
+    // delegate (or a stack of an earlier binding), and its batons may be of
+    // another backend.
+    if (ctx_ && &stack == authenticationStack_.get())
         ctx_->auth_baton = baton;
 }
 

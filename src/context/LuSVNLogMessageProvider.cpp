@@ -1,5 +1,9 @@
 #include <tessera/LuSVNLogMessageProvider.h>
 
+#include "LuSVNObjectDescription.h"
+
+using namespace tessera_private;
+
 LuSVNLogMessageProvider::LuSVNLogMessageProvider(std::shared_ptr<LuSVNLogMessageProvider> nextProvider)
     : nextProvider_(std::move(nextProvider))
 {
@@ -26,18 +30,10 @@ bool LuSVNLogMessageProvider::contextPromptForLogMessage(LuSVNContext&, std::opt
     return false;
 }
 
-std::shared_ptr<LuSVNLogMessageProvider> LuSVNLogMessageProvider::copy()
+std::shared_ptr<LuSVNLogMessageProvider> LuSVNLogMessageProvider::copy() const
 {
-    auto provider = std::make_shared<LuSVNLogMessageProvider>();
-    copyNextProvider();
-    return provider;
-}
-
-void LuSVNLogMessageProvider::copyNextProvider()
-{
-    // The copy goes to this provider, not to the new one: the chain's
-    // established behaviour, which callers rely on.
-    std::lock_guard<std::recursive_mutex> guard(lock_);
-    if (nextProvider_)
-        nextProvider_ = nextProvider_->copy();
+    // A plain provider in place of a subclass would answer "no message", and
+    // Subversion would abandon the commit without a word.
+    LuSVNRequireOwnCopy(*this);
+    return std::make_shared<LuSVNLogMessageProvider>(nextProvider());
 }

@@ -1,6 +1,9 @@
 #include <tessera/LuSVNNotificationFilter.h>
 
 #include "LuSVNAssert.h"
+#include "LuSVNObjectDescription.h"
+
+using namespace tessera_private;
 
 std::shared_ptr<LuSVNNotificationFilter> LuSVNNotificationFilter::filter()
 {
@@ -38,6 +41,7 @@ void LuSVNNotificationFilter::contextNotify(LuSVNContext& context, const LuSVNNo
 
 std::shared_ptr<LuSVNNotificationHandler> LuSVNNotificationFilter::copy() const
 {
+    LuSVNRequireOwnCopy(*this);
     std::lock_guard<std::recursive_mutex> guard(lock_);
     auto filter = std::make_shared<LuSVNNotificationFilter>(nextHandler());
     filter->predicate_ = predicate_;

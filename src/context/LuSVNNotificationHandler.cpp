@@ -1,5 +1,9 @@
 #include <tessera/LuSVNNotificationHandler.h>
 
+#include "LuSVNObjectDescription.h"
+
+using namespace tessera_private;
+
 LuSVNNotificationHandler::LuSVNNotificationHandler(std::shared_ptr<LuSVNNotificationHandler> nextHandler)
     : nextHandler_(std::move(nextHandler))
 {
@@ -25,5 +29,7 @@ void LuSVNNotificationHandler::contextNotify(LuSVNContext&, const LuSVNNotificat
 
 std::shared_ptr<LuSVNNotificationHandler> LuSVNNotificationHandler::copy() const
 {
+    // A plain handler in place of a subclass would drop every notification.
+    LuSVNRequireOwnCopy(*this);
     return std::make_shared<LuSVNNotificationHandler>(nextHandler());
 }

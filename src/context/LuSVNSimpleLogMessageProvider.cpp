@@ -1,5 +1,9 @@
 #include <tessera/LuSVNSimpleLogMessageProvider.h>
 
+#include "LuSVNObjectDescription.h"
+
+using namespace tessera_private;
+
 std::shared_ptr<LuSVNSimpleLogMessageProvider> LuSVNSimpleLogMessageProvider::provider()
 {
     return std::make_shared<LuSVNSimpleLogMessageProvider>();
@@ -45,10 +49,9 @@ bool LuSVNSimpleLogMessageProvider::contextPromptForLogMessage(LuSVNContext& con
     return false;
 }
 
-std::shared_ptr<LuSVNLogMessageProvider> LuSVNSimpleLogMessageProvider::copy()
+std::shared_ptr<LuSVNLogMessageProvider> LuSVNSimpleLogMessageProvider::copy() const
 {
-    auto provider = LuSVNSimpleLogMessageProvider::provider();
-    copyNextProvider();
-    provider->setMessage(message());
-    return provider;
+    LuSVNRequireOwnCopy(*this);
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    return providerWithMessage(message_, nextProvider());
 }

@@ -3,6 +3,7 @@
 #include <tessera/LuSVNBundleStack.h>
 #include <tessera/LuSVNException.h>
 
+#include "LuSVNBundleTop.h"
 #include "LuSVNProviderException.h"
 
 LuSVNBackendFrame::LuSVNBackendFrame(std::shared_ptr<LuSVNBundleProxy> backend)
@@ -26,7 +27,7 @@ LuSVNBackendFrame::LuSVNBackendFrame(std::shared_ptr<LuSVNBundleProxy> backend)
 LuSVNBackendFrame::~LuSVNBackendFrame()
 {
     // Looked up again: work in the frame may have pushed and popped.
-    reinterpret_cast<tessera_private::LuSVNSlot<20>::Type>(LuSVNBundleCurrent()->entryPoints()->slots[20])(pool_);
+    reinterpret_cast<tessera_private::LuSVNSlot<20>::Type>(tessera_private::LuSVNBundleTop()->entryPoints()->slots[20])(pool_);
     LuSVNBundlePop();
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "LuSVNBackendFrame.h"
+#include "LuSVNBundleTop.h"
 
 namespace {
 
@@ -50,11 +51,16 @@ std::shared_ptr<LuSVNBundleProxy> LuSVNBundlePop()
     return top;
 }
 
-const std::shared_ptr<LuSVNBundleProxy>& LuSVNBundleCurrent()
+const std::shared_ptr<LuSVNBundleProxy>& tessera_private::LuSVNBundleTop()
 {
     if (stack().empty())
         throw LuSVNGenericException("Bundle stack is empty");
     return stack().back();
+}
+
+std::shared_ptr<LuSVNBundleProxy> LuSVNBundleCurrent()
+{
+    return tessera_private::LuSVNBundleTop();
 }
 
 std::size_t tessera_private::LuSVNBundleStackDepth()

@@ -4,9 +4,11 @@
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNPlatformExceptions.h>
 
+#include "LuSVNBundleTop.h"
+
 LuSVNEntryPoint tessera_private::LuSVNCurrentEntryPoint(int number, const char* name)
 {
-    const std::shared_ptr<LuSVNBundleProxy>& backend = LuSVNBundleCurrent();
+    const std::shared_ptr<LuSVNBundleProxy>& backend = LuSVNBundleTop();
     if (!backend)
         throw LuSVNException("No Subversion backend is available for this call");
     const LuSVNEntryPoint entry = backend->entryPoints()->slots[number];
@@ -18,6 +20,6 @@ LuSVNEntryPoint tessera_private::LuSVNCurrentEntryPoint(int number, const char* 
 
 bool tessera_private::LuSVNCurrentHasEntryPoint(int number)
 {
-    const std::shared_ptr<LuSVNBundleProxy>& backend = LuSVNBundleCurrent();
+    const std::shared_ptr<LuSVNBundleProxy>& backend = LuSVNBundleTop();
     return backend && backend->entryPoints()->slots[number] != nullptr;
 }

@@ -2,6 +2,8 @@
 // descriptions of several value classes begin: "<LuSVNMergeInfo: 0x55d0c1e2a2c0>".
 #pragma once
 
+#include <tessera/LuSVNPlatformExceptions.h>
+
 #include <cxxabi.h>
 
 #include <cstdio>
@@ -36,6 +38,17 @@ template <class T>
 std::string LuSVNGenericDescription(const T& object)
 {
     return LuSVNGenericDescription(LuSVNClassName(typeid(object)), &object);
+}
+
+/// For the copy() of a class whose subclasses copy themselves: raises
+/// LuSVNInvalidArgumentException "<class> does not override copy()" when the
+/// object is of a subclass that does not, since a copy of another class
+/// would stand in for the application's object.
+template <class Copying>
+void LuSVNRequireOwnCopy(const Copying& object)
+{
+    if (typeid(object) != typeid(Copying))
+        throw LuSVNInvalidArgumentException(LuSVNClassName(typeid(object)) + " does not override copy()");
 }
 
 }  // namespace tessera_private

@@ -31,7 +31,7 @@ protected:
 
     const std::shared_ptr<LuSVNBundleProxy> backend = LuSVNBundleLoader::sharedInstance()->newestBundle();
     LuSVNBackendFrame frame{backend};
-    std::shared_ptr<LuSVNAuthenticationStack> stack = LuSVNAuthenticationStack::stackWithBundle(backend, frame.pool());
+    std::shared_ptr<LuSVNAuthenticationStack> stack = LuSVNAuthenticationStack::stackWithBundle(backend);
     std::shared_ptr<BatonRecorder> recorder = std::make_shared<BatonRecorder>();
 };
 
@@ -40,7 +40,7 @@ TEST_F(AuthenticationStackTest, NewStackHasABatonOfNoProviders)
     EXPECT_NE(stack->baton(), nullptr);
     EXPECT_TRUE(stack->providers().empty());
     EXPECT_EQ(stack->bundle(), backend);
-    EXPECT_EQ(stack->pool(), frame.pool());
+    EXPECT_NE(stack->pool(), nullptr);
     EXPECT_TRUE(recorder->batons.empty());
     svn_auth_iterstate_t* iterator = nullptr;
     EXPECT_EQ(stack->credentialsOfKind(LuSVNSimpleCredentials::classObject(), "realm", iterator), nullptr);
@@ -73,8 +73,6 @@ TEST_F(AuthenticationStackTest, EveryChangeBuildsOneBatonAndTellsTheDelegateOnce
         EXPECT_EQ(recorder->batons.back(), stack->baton());
         EXPECT_TRUE(batons.insert(stack->baton()).second) << "not a new baton";
     }
-    // The stack hands each provider its backend when it builds.
-    EXPECT_EQ(a->bundle(), backend);
 }
 
 TEST_F(AuthenticationStackTest, RemovingAllProvidersIsOneChangePerProvider)
@@ -146,8 +144,7 @@ TEST_F(AuthenticationStackTest, ParametersFromADictionaryAndTheirClearing)
 TEST_F(AuthenticationStackTest, BrokenPreconditions)
 {
     const auto p = provider();
-    expectParameterAssertion([] { LuSVNAuthenticationStack::stackWithBundle(nullptr, nullptr); }, "theBundle != nil");
-    expectParameterAssertion([&] { LuSVNAuthenticationStack::stackWithBundle(backend, nullptr); }, "thePool != nil");
+    expectParameterAssertion([] { LuSVNAuthenticationStack::stackWithBundle(nullptr); }, "theBundle != nil");
     expectParameterAssertion([&] { stack->addProvider(nullptr); }, "provider != nil");
     expectParameterAssertion([&] { stack->setProviders({p, nullptr}); }, "provider != nil");
     expectParameterAssertion([&] { stack->insertObject(p, 1); }, "index >= 0 && index <= [providers count]");
@@ -263,10 +260,9 @@ TEST_F(AuthenticationStackTest, ProviderExceptionsGiveNoCredentialsButSavingRais
 TEST_F(AuthenticationStackTest, SubversionsOwnProviderWrappedAsAnObject)
 {
     auto wrapped = std::make_shared<LuSVNUsernameProvider>();
-    EXPECT_EQ(wrapped->providerObject(), nullptr);
+    EXPECT_EQ(wrapped->builtInProviderObjectFromPool(frame.pool())->vtable->next_credentials,
+              nullptr);  // the case tested below
     stack->addProvider(wrapped);
-    ASSERT_NE(wrapped->providerObject(), nullptr);
-    EXPECT_EQ(wrapped->providerObject()->vtable->next_credentials, nullptr);  // the case tested below
     stack->setValue(std::string("carol"), LuSVNAuthParamDefaultUsername);
 
     const auto& username = LuSVNUsernameCredentials::classObject();

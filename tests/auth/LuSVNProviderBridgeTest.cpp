@@ -51,7 +51,6 @@ class ProviderBridgeTest : public testing::Test {
 protected:
     ProviderBridgeTest()
     {
-        provider->setBundle(backend);
         object = provider->providerObjectFromPool(frame.pool());
         parameters = LuSVNEntry<13>()(frame.pool());
     }
@@ -85,7 +84,10 @@ TEST_F(ProviderBridgeTest, ProviderObjectServesTheDeclaredKindThroughTheTrampoli
     EXPECT_EQ(object->vtable->first_credentials, &LuSVNAuthenticationProviderFirstCredentialsFunc);
     EXPECT_EQ(object->vtable->next_credentials, &LuSVNAuthenticationProviderNextCredentialsFunc);
     EXPECT_EQ(object->vtable->save_credentials, &LuSVNAuthenticationProviderSaveCredentialsFunc);
-    EXPECT_EQ(object->provider_baton, provider.get());
+    const auto& binding = *static_cast<LuSVNAuthenticationProviderBinding*>(object->provider_baton);
+    EXPECT_EQ(binding.provider, provider);
+    EXPECT_EQ(binding.bundle, backend);
+    EXPECT_EQ(binding.builtInProvider, nullptr);
     tessera_test::expectParameterAssertion([&] { provider->providerObjectFromPool(nullptr); }, "pool != nil");
 }
 
@@ -110,7 +112,7 @@ TEST_F(ProviderBridgeTest, IteratorLivesInThePoolAndCarriesTheContext)
     apr_pool_t* pool = LuSVNEntry<19>()(frame.pool(), nullptr);
     void* creds = nullptr;
     void* iterBaton = nullptr;
-    EXPECT_EQ(object->vtable->first_credentials(&creds, &iterBaton, provider.get(), parameters, "r", pool), nullptr);
+    EXPECT_EQ(object->vtable->first_credentials(&creds, &iterBaton, object->provider_baton, parameters, "r", pool), nullptr);
     EXPECT_STREQ(static_cast<svn_auth_cred_simple_t*>(creds)->username, "u");
     auto* iterator = static_cast<LuSVNAuthenticationIterator*>(iterBaton);
     EXPECT_EQ(iterator->retryCount, 0);
@@ -163,16 +165,16 @@ TEST_F(ProviderBridgeTest, EveryRequestHasItsOwnMessage)
     throwing->next = [](std::int32_t, const std::shared_ptr<void>&) -> std::shared_ptr<LuSVNCredentials> {
         throw std::runtime_error("next");
     };
-    throwing->setBundle(backend);
+    void* baton = throwing->providerObjectFromPool(frame.pool())->provider_baton;
     LuSVNAuthenticationIterator iterator;
     void* creds = nullptr;
-    expectProviderError(LuSVNAuthenticationProviderNextCredentialsFunc(&creds, &iterator, throwing.get(), parameters,
-                                                                      "r", frame.pool()),
+    expectProviderError(LuSVNAuthenticationProviderNextCredentialsFunc(&creds, &iterator, baton, parameters, "r",
+                                                                      frame.pool()),
                         "Authentication provider raised an exception (next credentials)");
     svn_auth_cred_simple_t simple{"u", "p", 0};
     int saved = 1;
-    expectProviderError(LuSVNAuthenticationProviderSaveCredentialsFunc(&saved, &simple, throwing.get(), parameters,
-                                                                      "r", frame.pool()),
+    expectProviderError(LuSVNAuthenticationProviderSaveCredentialsFunc(&saved, &simple, baton, parameters, "r",
+                                                                      frame.pool()),
                         "Authentication provider raised an exception (save credentials)");
     EXPECT_EQ(saved, 0);
     EXPECT_EQ(LuSVNBundleCurrent(), backend);
@@ -184,7 +186,8 @@ TEST_F(ProviderBridgeTest, BrokenPreconditionsBecomeErrorsNotCrashes)
     expectProviderError(first(&creds, nullptr), "Authentication provider raised an exception (first credentials)");
     // An object provider gives no next credentials without first ones.
     expectProviderError(
-        LuSVNAuthenticationProviderNextCredentialsFunc(&creds, nullptr, provider.get(), parameters, "r", frame.pool()),
+        LuSVNAuthenticationProviderNextCredentialsFunc(&creds, nullptr, object->provider_baton, parameters, "r",
+                                                       frame.pool()),
         "Authentication provider raised an exception (next credentials)");
     EXPECT_TRUE(provider->requests.empty());
     EXPECT_EQ(LuSVNBundleCurrent(), backend);
@@ -196,22 +199,20 @@ TEST_F(ProviderBridgeTest, SavingReportsWhatTheProviderDid)
     for (bool saves : {false, true}) {
         provider->saves = saves;
         int saved = 7;
-        EXPECT_EQ(object->vtable->save_credentials(&saved, &simple, provider.get(), parameters, "r", frame.pool()),
+        EXPECT_EQ(object->vtable->save_credentials(&saved, &simple, object->provider_baton, parameters, "r", frame.pool()),
                   nullptr);
         EXPECT_EQ(saved, saves ? 1 : 0);
     }
     EXPECT_EQ(provider->requests, (Requests{"save svn.simple (u, ****)", "save svn.simple (u, ****)"}));
 }
 
-TEST(AuthenticationProviderBaseTest, CopiesKeepTheDelegateNotTheBackend)
+TEST(AuthenticationProviderBaseTest, CopiesKeepTheDelegate)
 {
     auto original = std::make_shared<ScriptedProvider>();
     auto delegate = std::make_shared<LuSVNAuthenticationProviderDelegate>();
     original->setDelegate(delegate);
-    original->setBundle(LuSVNBundleLoader::sharedInstance()->newestBundle());
     auto copy = original->copy();
     EXPECT_EQ(copy->delegate(), delegate);
-    EXPECT_EQ(copy->bundle(), nullptr);
     EXPECT_NE(copy->threadRetryCountKey(), original->threadRetryCountKey());
 }
 

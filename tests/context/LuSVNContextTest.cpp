@@ -47,9 +47,9 @@ TEST_F(ContextTest, RebindingMakesAFreshClientContextForTheOtherBackend)
     EXPECT_EQ(context->bundleVersion(), LuSVNVersion::versionWithString("1.6.23"));
     const std::string description = context->description();
     EXPECT_EQ(description.substr(description.find('>')), "> (1.6.23)");
-    // The providers moved to a stack in the new pool, and the configuration
-    // was read again: the file's value, not the one set before.
-    EXPECT_EQ(context->authenticationStack()->pool(), context->pool());
+    // The providers moved to a stack of the new backend, and the
+    // configuration was read again: the file's value, not the one set before.
+    EXPECT_EQ(context->authenticationStack()->bundle(), bundle);
     EXPECT_EQ(context->authenticationStack()->providers(), providers);
     EXPECT_EQ(context->optionForName("editor-cmd", "config", "helpers", std::nullopt), "vi");
     // The new client context commits: callbacks and authentication are in place.

@@ -1,7 +1,10 @@
 // The chain of log-message providers, and the names of commit actions.
+#include <tessera/LuSVNPlatformExceptions.h>
 #include <tessera/LuSVNSimpleLogMessageProvider.h>
 
 #include <gtest/gtest.h>
+
+#include <typeinfo>
 
 #include "LuSVNContextTestSupport.h"
 
@@ -48,31 +51,42 @@ TEST(LuSVNLogMessageProvider, ProviderOfClassFindsTheFirstLinkOfTheClass)
     EXPECT_EQ(second->providerOfClass<RecordingProvider>(), nullptr);
 }
 
-TEST(LuSVNLogMessageProvider, CopyLeavesTheCopyAloneAndCopiesTheReceiversNextProvider)
+// A copy shares the links behind it, the application's own among them, and
+// leaves the chain it was made from as it was: both chains still commit.
+TEST_F(ContextTest, CopiesShareTheApplicationsProvidersAndBothChainsCommit)
 {
-    auto next = LuSVNSimpleLogMessageProvider::providerWithMessage("next");
-    auto last = LuSVNSimpleLogMessageProvider::providerWithMessage("last");
-    next->setNextProvider(last);
-    auto receiver = LuSVNSimpleLogMessageProvider::providerWithMessage("receiver", next);
+    auto dialog = std::make_shared<RecordingProvider>("from the dialog");  // does not override copy()
+    auto simple = LuSVNSimpleLogMessageProvider::providerWithMessage(std::nullopt, dialog);
+    const auto original = std::make_shared<LuSVNLogMessageProvider>(simple);
 
-    auto copy = std::dynamic_pointer_cast<LuSVNSimpleLogMessageProvider>(receiver->copy());
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(copy->message(), "receiver");
-    EXPECT_EQ(copy->nextProvider(), nullptr);
+    const auto copy = simple->copy();
+    ASSERT_NE(std::dynamic_pointer_cast<LuSVNSimpleLogMessageProvider>(copy), nullptr);
+    EXPECT_EQ(copy->nextProvider(), dialog);
+    EXPECT_EQ(simple->nextProvider(), dialog);
+    const auto baseCopy = original->copy();
+    EXPECT_EQ(typeid(*baseCopy), typeid(LuSVNLogMessageProvider));
+    EXPECT_EQ(baseCopy->nextProvider(), simple);
+    EXPECT_EQ(original->nextProvider(), simple);
 
-    // The receiver now points at a copy of its former next provider, which
-    // in turn did the same to its own next provider.
-    auto replaced = std::dynamic_pointer_cast<LuSVNSimpleLogMessageProvider>(receiver->nextProvider());
-    ASSERT_NE(replaced, nullptr);
-    EXPECT_NE(replaced, next);
-    EXPECT_EQ(replaced->message(), "next");
-    EXPECT_EQ(replaced->nextProvider(), nullptr);
-    EXPECT_NE(next->nextProvider(), last);
-    EXPECT_EQ(std::dynamic_pointer_cast<LuSVNSimpleLogMessageProvider>(next->nextProvider())->message(), "last");
+    int revision = 0;
+    for (const auto& chain : {copy, std::shared_ptr<LuSVNLogMessageProvider>(simple)}) {
+        context->setLogMessageProvider(chain);
+        run(*context, [&](svn_client_ctx_t* ctx, apr_pool_t* pool) {
+            return makeDirectories({repositoryURL + "/d" + std::to_string(++revision)}, ctx, pool);
+        });
+        EXPECT_EQ(youngestRevision(), std::to_string(revision));
+    }
+    EXPECT_EQ(dialog->asked.size(), 2u);
 
-    auto base = std::make_shared<LuSVNLogMessageProvider>(LuSVNSimpleLogMessageProvider::provider());
-    EXPECT_EQ(base->copy()->nextProvider(), nullptr);
-    EXPECT_NE(base->nextProvider(), nullptr);
+    // What cannot be copied is refused, never stood in for.
+    try {
+        dialog->copy();
+        ADD_FAILURE() << "copied";
+    } catch (const LuSVNInvalidArgumentException& e) {
+        EXPECT_STREQ(e.what(), "context_test::RecordingProvider does not override copy()");
+    }
+    auto withMessage = LuSVNSimpleLogMessageProvider::providerWithMessage("fixed");
+    EXPECT_EQ(std::dynamic_pointer_cast<LuSVNSimpleLogMessageProvider>(withMessage->copy())->message(), "fixed");
 }
 
 TEST(LuSVNCommitItem, ActionsPrintTheirNamesInBitOrder)

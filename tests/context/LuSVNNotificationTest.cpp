@@ -2,6 +2,7 @@
 // chain with its filters.
 #include <tessera/LuSVNKeyedArchiver.h>
 #include <tessera/LuSVNNotificationFilter.h>
+#include <tessera/LuSVNPlatformExceptions.h>
 
 #include <gtest/gtest.h>
 
@@ -138,6 +139,36 @@ TEST(LuSVNNotificationHandler, HandlerOfClassSearchesTheChainFromTheReceiver)
     EXPECT_EQ(head->handlerOfClass<LuSVNNotificationHandler>(), head);  // a subclass answers for its base
     EXPECT_EQ(middle->handlerOfClass<Recorder>(), nullptr);
     EXPECT_EQ(filter->handlerOfClass<Recorder>(), nullptr);
+}
+
+// A copy is of the handler's own class and shares the rest of the chain; a
+// handler whose class cannot copy itself is refused rather than copied as a
+// plain handler, which would drop every notification.
+TEST_F(ContextTest, CopiesOfHandlersKeepTheirClassAndShareTheChain)
+{
+    auto end = std::make_shared<Recorder>();
+    auto filter = LuSVNNotificationFilter::filterWithPredicate(
+        [](const LuSVNNotification& notification) { return notification.nodeKind() == 1; });
+    filter->setNextHandler(end);
+    const auto filterCopy = filter->copy();
+    ASSERT_NE(std::dynamic_pointer_cast<LuSVNNotificationFilter>(filterCopy), nullptr);
+    EXPECT_EQ(filterCopy->nextHandler(), end);
+    LuSVNNotification file(LuSVNNotifyActionUpdateAdd);
+    file.setNodeKind(1);
+    LuSVNNotification directory(LuSVNNotifyActionUpdateAdd);
+    directory.setNodeKind(2);
+    filterCopy->contextNotify(*context, directory);
+    filterCopy->contextNotify(*context, file);
+    EXPECT_EQ(end->notifications.size(), 1u);
+    EXPECT_EQ(std::make_shared<LuSVNNotificationHandler>(end)->copy()->nextHandler(), end);
+
+    auto head = std::make_shared<Recorder>(filter);  // does not override copy()
+    try {
+        head->copy();
+        ADD_FAILURE() << "copied";
+    } catch (const LuSVNInvalidArgumentException& e) {
+        EXPECT_STREQ(e.what(), "context_test::Recorder does not override copy()");
+    }
 }
 
 }  // namespace

@@ -70,6 +70,25 @@ TEST(BundleStack, EmptyStackRaisesOnPopAndCurrent)
     });
 }
 
+// What an application keeps of the current backend survives the pushes and
+// pops that follow, which move and shrink the thread's stack.
+TEST(BundleStack, TheCurrentBackendKeptOutlivesLaterPushesAndPops)
+{
+    onFreshThread([] {
+        const auto first = distinctProxy();
+        LuSVNBundlePush(first);
+        const auto& kept = LuSVNBundleCurrent();
+        std::vector<std::shared_ptr<LuSVNBundleProxy>> others(64);
+        for (auto& other : others) {
+            other = distinctProxy();
+            LuSVNBundlePush(other);
+        }
+        for (std::size_t i = 0; i <= others.size(); ++i)
+            LuSVNBundlePop();
+        EXPECT_EQ(kept, first);
+    });
+}
+
 TEST(BundleStack, StacksArePerThread)
 {
     const auto mine = distinctProxy();
