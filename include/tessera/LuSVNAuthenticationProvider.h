@@ -72,6 +72,7 @@ class LuSVNAuthenticationProvider;
 /// Subversion provider that providerObjectFromPool makes, living in the same
 /// pool, which keeps the binding (and through it the provider) alive.
 struct LuSVNAuthenticationProviderBinding {
+    /// The provider that the stack holds.
     std::shared_ptr<LuSVNAuthenticationProvider> provider;
     /// The backend of the stack, pushed for every request.
     std::shared_ptr<LuSVNBundleProxy> bundle;
@@ -87,7 +88,9 @@ class TESSERA_EXPORT LuSVNAuthenticationProvider : public std::enable_shared_fro
 public:
     virtual ~LuSVNAuthenticationProvider();
 
+    /// The provider's listener, or null when it is gone; never retained.
     std::shared_ptr<LuSVNAuthenticationProviderDelegate> delegate() const { return delegate_.lock(); }
+    /// Sets the listener (kept as a weak reference).
     void setDelegate(std::weak_ptr<LuSVNAuthenticationProviderDelegate> delegate) { delegate_ = std::move(delegate); }
 
     /// A new provider of the same class with the same delegate and the
@@ -144,6 +147,7 @@ public:
     virtual svn_error_t* firstSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, void** credentials,
                                              void** iterBaton, apr_hash_t* parameters, const char* realm,
                                              apr_pool_t* pool);
+    /// The next credentials of an iteration that firstSVNCredentials began.
     virtual svn_error_t* nextSVNCredentials(const LuSVNAuthenticationProviderBinding& binding, void** credentials,
                                             void* iterBaton, apr_hash_t* parameters, const char* realm,
                                             apr_pool_t* pool);
@@ -158,6 +162,7 @@ public:
     std::string threadRetryCountKey() const;
     /// The count of the calling thread; 0 when never set.
     std::int32_t threadRetryCount() const;
+    /// Sets the count of the calling thread.
     void setThreadRetryCount(std::int32_t count) const;
 
 protected:
@@ -182,14 +187,17 @@ private:
 // signatures; the provider baton is the LuSVNAuthenticationProviderBinding.
 // Each pushes the binding's backend, calls the provider's Subversion-level
 // operation and pops. They never let an exception through (see above).
+/// Subversion's first_credentials callback of every bridged provider.
 TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderFirstCredentialsFunc(void** credentials, void** iter_baton,
                                                                           void* provider_baton,
                                                                           apr_hash_t* parameters, const char* realm,
                                                                           apr_pool_t* pool);
+/// Subversion's next_credentials callback of every bridged provider.
 TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderNextCredentialsFunc(void** credentials, void* iter_baton,
                                                                          void* provider_baton,
                                                                          apr_hash_t* parameters, const char* realm,
                                                                          apr_pool_t* pool);
+/// Subversion's save_credentials callback of every bridged provider.
 TESSERA_EXPORT svn_error_t* LuSVNAuthenticationProviderSaveCredentialsFunc(int* saved, void* credentials,
                                                                          void* provider_baton,
                                                                          apr_hash_t* parameters, const char* realm,

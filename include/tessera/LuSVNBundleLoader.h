@@ -44,7 +44,9 @@ public:
     void loadBundlesInDirectoryAtPath(const std::string& path);
     /// A bundle that a scan skipped: its path and why it failed.
     struct BrokenBundle {
+        /// The bundle directory.
         std::string path;
+        /// Why it failed, as the load's exception said.
         std::string reason;
     };
     /// The bundles the scans skipped, in the order they were met.

@@ -157,8 +157,10 @@ public:
     // its LuSVNException. Raises "Invalid parameter not satisfying: path !=
     // nil" (and "handler != nil", "context != nil").
 
+    /// Receives each node of a streaming walk (see above).
     using NodeHandler = std::function<void(const std::shared_ptr<LuSVNNode>& node)>;
 
+    /// The streaming status walk described above.
     static void reportStatusForNodesInDirectoryAtPath(const LocalPath& path, const LuSVNStatusOptions& options,
                                                       const NodeHandler& handler, std::uint32_t* localChangeCount,
                                                       std::uint32_t* remoteChangeCount, const Context& context);

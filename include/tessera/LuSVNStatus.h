@@ -275,8 +275,11 @@ public:
     /// Subversion's older status record; backends before 1.7 leave both
     /// empty.
     const std::optional<std::string>& movedFromPath() const { return rare_.get().movedFromPath; }
+    /// Sets where a moved item came from.
     void setMovedFromPath(std::optional<std::string> path) { setRare(&Rare::movedFromPath, std::move(path)); }
+    /// Where a moved item went (above).
     const std::optional<std::string>& movedToPath() const { return rare_.get().movedToPath; }
+    /// Sets where a moved item went.
     void setMovedToPath(std::optional<std::string> path) { setRare(&Rare::movedToPath, std::move(path)); }
 
     // --- Copying and archiving ------------------------------------------------

@@ -45,8 +45,8 @@ public:
     /// the working copy's own (as an update with a sticky depth would take
     /// it): a sparse directory then reports what lies beyond its depth in the
     /// repository. Backends 1.7 and later; the older interface always keeps
-    /// the working copy's depths. The svn client passes false. Not part of
-    /// the description.
+    /// the working copy's depths. The svn client passes false; its description()
+    /// text leaves it out.
     bool depthIsSticky() const { return depthIsSticky_; }
     /// Each keeps only the lowest bit of its argument.
     void setRecursive(int recursive) { recursive_ = recursive & 1; }
@@ -56,6 +56,7 @@ public:
     void setProcessExternals(int processExternals) { processExternals_ = processExternals & 1; }
     void setPropagateStatusToAncestor(int propagate) { propagateStatusToAncestor_ = propagate & 1; }
     void setIncludeConflictVersionFiles(int include) { includeConflictVersionFiles_ = include & 1; }
+    /// Whether the walk's depth is sticky against the repository (above).
     void setDepthIsSticky(int sticky) { depthIsSticky_ = sticky & 1; }
 
     std::string description() const override;

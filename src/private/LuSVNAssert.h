@@ -11,8 +11,8 @@ namespace tessera_private {
 }
 
 /// Raises LuSVNInternalInconsistencyException "Invalid parameter not satisfying: <text>"
-/// unless the condition holds. The text is the condition as the description of
-/// the operation words it (for example "path != nil").
+/// unless the condition holds. The text is the condition as the operation's
+/// documentation words it (for example "path != nil").
 #define LUSVN_PARAMETER_ASSERT(condition, text)                                                  \
     do {                                                                                         \
         if (!(condition))                                                                        \

@@ -154,6 +154,8 @@ done
 out="$("$tessera" mkrepo "$work/made")"
 [ "$out" = "file://$work/made" ] || fail "mkrepo printed $out"
 "$svnadmin" verify -q "$work/made" || fail "mkrepo: verify"
+"$svnadmin" create "$work/made-by-svnadmin"
+cmp -s "$work/made/db/format" "$work/made-by-svnadmin/db/format" || fail "mkrepo: not the format svnadmin create writes"
 "$svn" --config-dir "$work/config" --non-interactive mkdir -q -m "first" "$out/trunk" || fail "mkrepo: commit"
 out="$(cd "$work" && "$tessera" mkrepo old --compatible-version 1.5)"
 [ "$out" = "file://$work/old" ] || fail "mkrepo of a relative path printed $out"

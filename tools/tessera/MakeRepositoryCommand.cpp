@@ -23,8 +23,11 @@ struct Settings {
 int makeRepository(const Settings& settings)
 {
     LuSVNFileSystemOptions options;
-    if (settings.compatibleVersion)
-        options.setCompatibility(LuSVNVersion::versionWithString(*settings.compatibleVersion));
+    // Without --compatible-version, the newest format the backend writes, as
+    // svnadmin create does; the options' own default is an older release.
+    options.setCompatibility(settings.compatibleVersion
+                                 ? LuSVNVersion::versionWithString(*settings.compatibleVersion)
+                                 : LuSVNBundleLoader::sharedInstance()->newestVersion().value_or(LuSVNVersion::defaultVersion()));
     // Absolute, so that the URL names the repository from anywhere.
     const auto absolute = std::filesystem::absolute(settings.arguments.front()).lexically_normal().string();
     const auto repository = LuSVNRepository::createRepositoryAtPath(LuSVNLocalPath::pathWithString(absolute), options);
