@@ -222,9 +222,13 @@ svn_wc_entry_t* entryForClientStatus(const svn_client_status_t* status, apr_pool
 // no last change; the older interface still reads those of the item it
 // deletes or replaces, as svn shows them (a copy shows no working revision).
 // The first item of a deleted or replaced tree reads the whole tree at once.
+// Inside a copy there is nothing below to read: svn shows no working
+// revision and no last change there.
 svn_error_t* addReplacedValues(svn_wc_entry_t& entry, const svn_client_status_t& clientStatus, const char* abspath,
                                svn_client_ctx_t* ctx, LuSVNReplacedItems& replaced, apr_pool_t* pool)
 {
+    if (clientStatus.copied)
+        return nullptr;
     auto found = replaced.byPath.find(abspath);
     if (found == replaced.byPath.end()) {
         svn_opt_revision_t unspecified{};
@@ -241,8 +245,7 @@ svn_error_t* addReplacedValues(svn_wc_entry_t& entry, const svn_client_status_t&
     }
     const LuSVNReplacedItems::Values values = std::move(found->second);
     replaced.byPath.erase(found);
-    if (!clientStatus.copied)
-        entry.revision = values.revision;
+    entry.revision = values.revision;
     if (clientStatus.node_status == svn_wc_status_deleted && !SVN_IS_VALID_REVNUM(entry.cmt_rev)) {
         entry.cmt_rev = values.changedRevision;
         entry.cmt_date = values.changedDate;

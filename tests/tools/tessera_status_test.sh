@@ -183,8 +183,7 @@ for name in f1 f2 f3 "sp ace" gone back; do echo "$name" > "$moves/a/$name"; ech
   echo new > a/back
   "$svn" add -q --config-dir "$config" a/back
 )
-# (-v and -u read the revisions of deleted items, which is another fault.)
-for options in "" "-q" "--depth immediates"; do
+for options in "" "-q" "--depth immediates" "-v" "-u" "-v -u"; do
   compare "$work" "$options" moves
   compare "$moves/d" "$options" ..
   compare "$moves/d" "$options" ../a
