@@ -21,8 +21,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         definitions = LuSVNExternalDefinition::externalDefinitionListValue(tessera_fuzz::textOf(data, size));
     } catch (const LuSVNException&) {
         return 0;
-    } catch (const LuSVNInvalidArgumentException&) {
-        return 0;
     }
     for (const LuSVNExternalDefinition& definition : definitions) {
         // Subversion accepts an empty source ("@ dir"), so only its presence is certain.

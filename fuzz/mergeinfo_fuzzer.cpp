@@ -82,11 +82,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     std::shared_ptr<LuSVNMergeInfo> info;
     try {
         info = LuSVNMergeInfo::mergeInfoWithString(text);
-    } catch (const LuSVNException& e) {
-        require(e.status() == 200020, "Subversion refuses with its merge info parse error");
-        return 0;
     } catch (const LuSVNInvalidArgumentException&) {
         require(text.find('\0') != std::string::npos, "only text with NUL is refused before Subversion");
+        return 0;
+    } catch (const LuSVNException& e) {
+        require(e.status() == 200020, "Subversion refuses with its merge info parse error");
         return 0;
     }
     checkWellFormed(*info);
