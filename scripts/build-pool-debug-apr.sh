@@ -15,10 +15,14 @@ fi
 
 SUDO=""
 if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
-# The sources of Debian's own archive, which the image lists for binaries only.
+# The sources of the archive the machine already takes its packages from,
+# which images often list for binaries only.
 if ! apt-get indextargets --format '$(CREATED_BY)' 2>/dev/null | grep -q '^Sources$'; then
-  printf 'Types: deb-src\nURIs: http://deb.debian.org/debian\nSuites: bookworm\nComponents: main\nSigned-By: /usr/share/keyrings/debian-archive-keyring.gpg\n' |
-    $SUDO tee /etc/apt/sources.list.d/debian-sources.sources >/dev/null
+  codename="$(. /etc/os-release && echo "$VERSION_CODENAME")"
+  archive="$(apt-get indextargets --format '$(CREATED_BY) $(RELEASE) $(REPO_URI)' |
+    awk -v release="$codename" '$1 == "Packages" && $2 == release { print $3; exit }')"
+  printf 'Types: deb-src\nURIs: %s\nSuites: %s\nComponents: main\nSigned-By: /usr/share/keyrings/debian-archive-keyring.gpg\n' \
+    "$archive" "$codename" | $SUDO tee /etc/apt/sources.list.d/debian-sources.sources >/dev/null
   $SUDO apt-get update -qq
 fi
 
