@@ -1,6 +1,8 @@
 #include "HistoryFixture.h"
 
+#include <tessera/LuSVNAuthenticationStack.h>
 #include <tessera/LuSVNBundleLoader.h>
+#include <tessera/LuSVNUsernameProvider.h>
 
 #include <filesystem>
 #include <stdexcept>
@@ -9,20 +11,57 @@ namespace tessera_history_test {
 
 namespace {
 
-std::string numberedLines(int count)
-{
-    std::string text;
-    for (int line = 1; line <= count; ++line)
-        text += "line " + std::to_string(line) + "\n";
-    return text;
-}
-
 void commit(const std::string& author, const std::string& message, const std::string& path)
 {
     svnOrThrow({"commit", "-q", "--username", author, "-m", message, path});
 }
 
 }  // namespace
+
+std::vector<std::string> numberedLines(int count)
+{
+    std::vector<std::string> lines;
+    for (int line = 1; line <= count; ++line)
+        lines.push_back("line " + std::to_string(line));
+    return lines;
+}
+
+std::string joinLines(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const auto& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+std::string EditedText::text() const
+{
+    return joinLines(lines);
+}
+
+EditedText applyEdits(const std::vector<std::string>& original, const std::vector<Edit>& edits)
+{
+    EditedText result;
+    auto edit = edits.begin();
+    int added = 0;
+    for (std::size_t line = 0; line <= original.size();) {
+        if (edit != edits.end() && edit->at == line) {
+            for (std::size_t n = 0; n < edit->inserted; ++n) {
+                result.lines.push_back("local " + std::to_string(++added));
+                result.origin.push_back(-1);
+            }
+            line += edit->removed;
+            ++edit;
+            continue;
+        }
+        if (line == original.size())
+            break;
+        result.lines.push_back(original[line]);
+        result.origin.push_back(static_cast<long>(line));
+        ++line;
+    }
+    return result;
+}
 
 std::string svnOrThrow(const std::vector<std::string>& arguments)
 {
@@ -54,7 +93,7 @@ HistoryRepository::HistoryRepository()
     url_ = tessera_test::makeRepository(directory_ / "repo");
     const std::string tree = directory_ / "tree";
     std::filesystem::create_directories(tree + "/trunk");
-    writeFile(tree + "/trunk/a.txt", numberedLines(12));
+    writeFile(tree + "/trunk/a.txt", joinLines(numberedLines(12)));
     writeFile(tree + "/trunk/naïve-ü.txt", "héllo\nwörld\n");
     std::string binary;
     for (int byte = 0; byte < 512; ++byte)
@@ -66,7 +105,7 @@ HistoryRepository::HistoryRepository()
 
     const std::string wc = workingCopy();
     tessera_test::checkout(url_, wc);
-    std::string a = numberedLines(12);
+    std::string a = joinLines(numberedLines(12));
     a.replace(a.find("line 3\n"), 7, "line three\n");
     writeFile(item("trunk/a.txt"), a + "line 13\n");
     writeFile(item("trunk/le.txt"), utf16("one\nzwei\nthree\n", false));
@@ -92,9 +131,14 @@ HistoryRepository::HistoryRepository()
     svnOrThrow({"update", "-q", wc});
 }
 
-std::shared_ptr<LuSVNContext> HistoryRepository::context() const
+std::shared_ptr<LuSVNContext> HistoryRepository::context(const char* bundlePath) const
 {
-    return LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle(), {}, config_.path());
+    auto* loader = LuSVNBundleLoader::sharedInstance().get();
+    auto context = LuSVNContext::contextWithBundle(
+        bundlePath ? loader->loadBundleAtPath(bundlePath) : loader->newestBundle(), {}, config_.path());
+    // Local repositories ask for a user name.
+    context->authenticationStack()->addProvider(std::make_shared<LuSVNUsernameProvider>());
+    return context;
 }
 
 }  // namespace tessera_history_test

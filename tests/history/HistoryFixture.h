@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "TesseraTestSupport.h"
 
@@ -30,8 +31,8 @@ public:
     std::string item(const std::string& name) const { return workingCopy() + "/" + name; }
     /// A scratch directory for a test's own files.
     std::string scratch(const std::string& name) const { return directory_ / name; }
-    /// A context of the newest backend.
-    std::shared_ptr<LuSVNContext> context() const;
+    /// A context of the backend at the path (null: the newest one).
+    std::shared_ptr<LuSVNContext> context(const char* bundlePath = nullptr) const;
 
 private:
     HistoryRepository();
@@ -40,6 +41,30 @@ private:
     tessera_test::TemporaryDirectory config_;
     std::string url_;
 };
+
+/// An edit of a text: at line `at` of the original, `removed` lines go and
+/// `inserted` new lines come.
+struct Edit {
+    std::size_t at, removed, inserted;
+};
+
+/// A text after edits, and for each of its lines the original line it came
+/// from, or -1 for a new one.
+struct EditedText {
+    std::vector<std::string> lines;
+    std::vector<long> origin;
+    std::string text() const;
+};
+
+/// The edits (ascending, not overlapping) applied to the lines; new lines
+/// read "local N", unlike any original line.
+EditedText applyEdits(const std::vector<std::string>& original, const std::vector<Edit>& edits);
+
+/// The lines "line 1" to "line <count>".
+std::vector<std::string> numberedLines(int count);
+
+/// Joins lines, each ending in "\n".
+std::string joinLines(const std::vector<std::string>& lines);
 
 /// The UTF-16 form of an ASCII text, with its byte-order mark.
 std::string utf16(const std::string& ascii, bool bigEndian);
