@@ -197,9 +197,9 @@ std::string hunks(const std::string& text)
 TEST(LuSVNDiffTest, UnifiedDiffOfTwoFilesHasTheHunksOfSvnDiff)
 {
     const auto& repository = HistoryRepository::shared();
-    tessera_test::TemporaryDirectory directory;
+    tessera_test::TemporaryDirectory directory;  // a repository of its own: the shared one stays as it is
     const std::string wc = directory / "wc";
-    tessera_test::checkout(repository.url() + "/trunk", wc);
+    tessera_test::checkout(tessera_test::makeRepository(directory / "repo"), wc);
     const auto original = tessera_history_test::numberedLines(13);
     for (const auto& c : editCases()) {
         SCOPED_TRACE(c.name);
