@@ -31,12 +31,18 @@ class LuSVNContext;
 class LuSVNDiff;
 struct apr_pool_t;
 
+/// The blame of a file: its lines in runs by author and revision.
 class TESSERA_EXPORT LuSVNBlame : public LuSVNCoding {
 public:
+    /// One run of lines.
     using Section = std::shared_ptr<LuSVNBlameSection>;
+    /// The runs in line order.
     using Sections = std::vector<Section>;
+    /// A commit date.
     using Date = LuSVNBlameSection::Date;
+    /// A revision of the walk.
     using Revision = std::shared_ptr<const LuSVNRevision>;
+    /// The context an operation runs in.
     using Context = std::shared_ptr<LuSVNContext>;
 
     /// An empty blame, to load or to be given sections.

@@ -13,8 +13,10 @@
 #include <tessera/LuSVNDiffSection.h>
 #include <tessera/LuSVNExport.h>
 
+/// A run of lines last changed by one author in one revision.
 class TESSERA_EXPORT LuSVNBlameSection : public LuSVNCoding {
 public:
+    /// A commit date.
     using Date = std::chrono::system_clock::time_point;
 
     /// A section with no lines yet (location LuSVNNotFound, length 0).

@@ -32,13 +32,20 @@ struct svn_diff_file_options_t;
 /// The text encodings the comparison tells apart.
 enum class LuSVNTextEncoding { UTF8, UTF16 };
 
+/// The sections of a comparison of two files, and the comparisons.
 class TESSERA_EXPORT LuSVNDiff {
 public:
+    /// One run of lines.
     using Section = std::shared_ptr<LuSVNDiffSection>;
+    /// The runs in file order.
     using Sections = std::vector<Section>;
+    /// A file.
     using LocalPath = std::shared_ptr<const LuSVNLocalPath>;
+    /// A working-copy path or URL.
     using Path = LuSVNPath::Path;
+    /// A revision of a location.
     using Revision = std::shared_ptr<const LuSVNRevision>;
+    /// The context an operation runs in.
     using Context = std::shared_ptr<LuSVNContext>;
 
     /// An empty diff.

@@ -33,6 +33,7 @@ enum LuSVNDiffSectionType : std::int32_t {
     LuSVNDiffSectionConflict = 4,      ///< changed differently in both
 };
 
+/// A run of lines common to two files or differing between them.
 class TESSERA_EXPORT LuSVNDiffSection {
 public:
     /// Type Common, no ranges.

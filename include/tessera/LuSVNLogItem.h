@@ -21,11 +21,16 @@
 
 class LuSVNRevisionRange;
 
+/// One revision of a log with its changed paths.
 class TESSERA_EXPORT LuSVNLogItem {
 public:
+    /// A commit date.
     using Date = std::chrono::system_clock::time_point;
+    /// One changed path.
     using Change = std::shared_ptr<LuSVNLogPathChange>;
+    /// Changed paths.
     using Changes = std::vector<Change>;
+    /// The changes keyed by their paths.
     using ChangesByPath = std::unordered_map<std::string, Change>;
 
     /// Revision -1, nothing else.

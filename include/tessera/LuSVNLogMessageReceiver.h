@@ -20,6 +20,7 @@
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNLogItem.h>
 
+/// Hears of each log item as it arrives.
 class TESSERA_EXPORT LuSVNLogMessageReceiverDelegate {
 public:
     virtual ~LuSVNLogMessageReceiverDelegate();
@@ -32,9 +33,12 @@ public:
     virtual bool keepsLogItems() const { return true; }
 };
 
+/// Collects the items of a log query.
 class TESSERA_EXPORT LuSVNLogMessageReceiver {
 public:
+    /// One log item.
     using Item = std::shared_ptr<LuSVNLogItem>;
+    /// Log items in arrival order.
     using Items = std::vector<Item>;
 
     /// A receiver without delegate.

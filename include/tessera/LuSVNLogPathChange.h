@@ -33,6 +33,7 @@ TESSERA_EXPORT std::string LuSVNStringFromLogAction(LuSVNLogAction action);
 /// LuSVNLogActionFromChar of the first character; none or "" gives None.
 TESSERA_EXPORT LuSVNLogAction LuSVNLogActionFromString(std::optional<std::string_view> text);
 
+/// One path changed in a revision.
 class TESSERA_EXPORT LuSVNLogPathChange {
 public:
     /// No path, action None, no copy source.
