@@ -137,7 +137,18 @@ public:
                                       const Path& modifiedPath, const Revision& modifiedRevision,
                                       const Path& relativeToPath, const LocalPath& outputPath,
                                       const LuSVNDiffOptions& options, const Context& context);
-    /// The same without relativeToPath.
+    /// The same written to the stream as Subversion produces it, so a large
+    /// tree's diff is never held whole (the stream is written from a thread
+    /// of the library's own while the call runs; the call returns once all of
+    /// it was written). Raises "Invalid parameter not satisfying:
+    /// outputStream != nil", the stream's failure "Unable to write data to
+    /// output stream", and the failures above.
+    static void compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
+                                      const Path& modifiedPath, const Revision& modifiedRevision,
+                                      const Path& relativeToPath,
+                                      const std::shared_ptr<LuSVNOutputStream>& outputStream,
+                                      const LuSVNDiffOptions& options, const Context& context);
+    /// The file form without relativeToPath.
     static void compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
                                       const Path& modifiedPath, const Revision& modifiedRevision,
                                       const LocalPath& outputPath, const LuSVNDiffOptions& options,

@@ -5,7 +5,11 @@
 
 #include <unicode/unistr.h>
 
+#include <fcntl.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <thread>
 
 #include <cstdio>
 #include <cstdlib>
@@ -134,6 +138,139 @@ struct OpenFile {
             LuSVNEntry<7>()(file);
     }
 };
+
+// Copies what Subversion writes into a pipe to the application's stream on a
+// thread of its own: Subversion's diff writes to an APR file only, and a
+// tree's diff must not be held whole on its way to the stream.
+class PipeToStream {
+public:
+    explicit PipeToStream(std::shared_ptr<LuSVNOutputStream> stream)
+    {
+        if (pipe2(descriptors_, O_CLOEXEC) != 0)
+            throw LuSVNException("Failed to create diff output file");
+        copier_ = std::thread([this, target = std::move(stream)] { copy(*target); });
+    }
+    ~PipeToStream()
+    {
+        closeWriteEnd();
+        if (copier_.joinable())
+            copier_.join();
+        ::close(descriptors_[0]);
+    }
+    PipeToStream(const PipeToStream&) = delete;
+    PipeToStream& operator=(const PipeToStream&) = delete;
+
+    /// A name under which the write end opens again.
+    std::string writePath() const { return "/dev/fd/" + std::to_string(descriptors_[1]); }
+    /// Once Subversion has closed its file: waits for the last bytes and
+    /// raises what the stream failed with.
+    void finish()
+    {
+        closeWriteEnd();
+        copier_.join();
+        if (failure_)
+            std::rethrow_exception(failure_);
+    }
+
+private:
+    void closeWriteEnd()
+    {
+        if (descriptors_[1] >= 0)
+            ::close(descriptors_[1]);
+        descriptors_[1] = -1;
+    }
+
+    // Reads to the end even after the stream failed, so the writer never blocks.
+    void copy(LuSVNOutputStream& stream)
+    {
+        char buffer[65536];
+        for (;;) {
+            const ssize_t count = ::read(descriptors_[0], buffer, sizeof buffer);
+            if (count == 0 || (count < 0 && errno != EINTR))
+                return;
+            if (count < 0 || failure_)
+                continue;
+            try {
+                for (ssize_t done = 0; done < count;) {
+                    const long written = stream.write(reinterpret_cast<const std::uint8_t*>(buffer) + done,
+                                                      static_cast<std::size_t>(count - done));
+                    if (written <= 0)
+                        throw LuSVNException("Unable to write data to output stream");
+                    done += written;
+                }
+            } catch (...) {
+                failure_ = std::current_exception();
+            }
+        }
+    }
+
+    int descriptors_[2] = {-1, -1};
+    std::exception_ptr failure_;
+    std::thread copier_;
+};
+
+void writeLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+                       const LuSVNDiff::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
+                       const LuSVNDiff::Path& relativeToPath, const std::string& outputPath,
+                       const LuSVNDiffOptions& options, const LuSVNDiff::Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(originalPath != nullptr, "originalPath != nil");
+    LUSVN_PARAMETER_ASSERT(originalRevision != nullptr, "originalRevision != nil");
+    LUSVN_PARAMETER_ASSERT(modifiedPath != nullptr, "modifiedPath != nil");
+    LUSVN_PARAMETER_ASSERT(modifiedRevision != nullptr, "modifiedRevision != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDiff",
+                "compareOriginalAtPath:revision:withModifiedAtPath:revision:relativeToPath:writingOutputToFileAtPath:"
+                "options:withContext",
+                {"originalPath", originalPath->string()}, {"originalRevision", originalRevision->description()},
+                {"modifiedPath", modifiedPath->string()}, {"modifiedRevision", modifiedRevision->description()},
+                {"relativeToPath", relativeToPath ? relativeToPath->string() : "(null)"}, {"path", outputPath},
+                {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    apr_pool_t* pool = frame.pool();
+    apr_array_header_t* diffOptions = LuSVNEntry<11>()(pool, 0, sizeof(const char*));
+    const auto addOption = [&](const char* option) {
+        *static_cast<const char**>(LuSVNEntry<12>()(diffOptions)) = option;
+    };
+    if (options.whitespaceCompareBehavior() == 1)
+        addOption("--ignore-space-change");
+    else if (options.whitespaceCompareBehavior() == 2)
+        addOption("--ignore-all-space");
+    if (options.ignoreEOLStyle())
+        addOption("--ignore-eol-style");
+    const svn_opt_revision_t revision1 = originalRevision->SVNRevision();
+    const svn_opt_revision_t revision2 = modifiedRevision->SVNRevision();
+    const char* path1 = originalPath->SVNRepresentationInPool(pool);
+    const char* path2 = modifiedPath->SVNRepresentationInPool(pool);
+
+    OpenFile output;
+    const apr_status_t status = LuSVNEntry<8>()(&output.file, outputPath.c_str(), 0x16, 0xFFF, pool);
+    if (status != 0) {
+        LuSVNErrorDictionary userInfo;
+        userInfo.message = "Failed to create diff output file";
+        userInfo.status = status;
+        throw LuSVNException("Failed to create diff output file", userInfo);
+    }
+    // The process's standard error: never closed, closing it would close
+    // descriptor 2 for the whole process.
+    apr_file_t* errors = nullptr;
+    LuSVNEntry<9>()(&errors, pool);
+
+    svn_error_t* error = nullptr;
+    if (context->bundleVersion() >= LuSVNVersion(1, 5, 0, "")) {
+        error = LuSVNEntry<50>()(diffOptions, path1, &revision1, path2, &revision2,
+                                 relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
+                                 options.recursive() ? svn_depth_infinity : svn_depth_files, false, false, false,
+                                 LuSVNLocaleCharset, output.file, errors, nullptr, context->ctx(), pool);
+    } else {
+        if (relativeToPath)
+            throw LuSVNException("relativeToPath requires 1.5 or greater");
+        error = LuSVNEntry<49>()(diffOptions, path1, &revision1, path2, &revision2, options.recursive(), false, false,
+                                 false, LuSVNLocaleCharset, output.file, errors, context->ctx(), pool);
+    }
+    context->throwIfError(error);
+}
+
 
 }  // namespace
 
@@ -264,58 +401,20 @@ void LuSVNDiff::compareOriginalAtPath(const Path& originalPath, const Revision& 
                                       const Path& relativeToPath, const LocalPath& outputPath,
                                       const LuSVNDiffOptions& options, const Context& context)
 {
-    LUSVN_PARAMETER_ASSERT(originalPath != nullptr, "originalPath != nil");
-    LUSVN_PARAMETER_ASSERT(originalRevision != nullptr, "originalRevision != nil");
-    LUSVN_PARAMETER_ASSERT(modifiedPath != nullptr, "modifiedPath != nil");
-    LUSVN_PARAMETER_ASSERT(modifiedRevision != nullptr, "modifiedRevision != nil");
     LUSVN_PARAMETER_ASSERT(outputPath != nullptr, "path != nil");
-    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNDiff",
-                "compareOriginalAtPath:revision:withModifiedAtPath:revision:relativeToPath:writingOutputToFileAtPath:"
-                "options:withContext",
-                {"originalPath", originalPath->string()}, {"originalRevision", originalRevision->description()},
-                {"modifiedPath", modifiedPath->string()}, {"modifiedRevision", modifiedRevision->description()},
-                {"relativeToPath", relativeToPath ? relativeToPath->string() : "(null)"},
-                {"path", outputPath->string()}, {"context", context->description()});
-    LuSVNBackendFrame frame(context->bundle());
-    apr_pool_t* pool = frame.pool();
-    apr_array_header_t* diffOptions = LuSVNEntry<11>()(pool, 0, sizeof(const char*));
-    const auto addOption = [&](const char* option) {
-        *static_cast<const char**>(LuSVNEntry<12>()(diffOptions)) = option;
-    };
-    if (options.whitespaceCompareBehavior() == 1)
-        addOption("--ignore-space-change");
-    else if (options.whitespaceCompareBehavior() == 2)
-        addOption("--ignore-all-space");
-    if (options.ignoreEOLStyle())
-        addOption("--ignore-eol-style");
-    const svn_opt_revision_t revision1 = originalRevision->SVNRevision();
-    const svn_opt_revision_t revision2 = modifiedRevision->SVNRevision();
-    const char* path1 = originalPath->SVNRepresentationInPool(pool);
-    const char* path2 = modifiedPath->SVNRepresentationInPool(pool);
+    writeLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
+                      outputPath->string(), options, context);
+}
 
-    OpenFile output, errors;
-    const apr_status_t status =
-        LuSVNEntry<8>()(&output.file, outputPath->SVNRepresentationInPool(pool), 0x16, 0xFFF, pool);
-    if (status != 0) {
-        LuSVNErrorDictionary userInfo;
-        userInfo.message = "Failed to create diff output file";
-        userInfo.status = status;
-        throw LuSVNException("Failed to create diff output file", userInfo);
-    }
-    LuSVNEntry<9>()(&errors.file, pool);
-
-    svn_error_t* error = nullptr;
-    if (context->bundleVersion() >= LuSVNVersion(1, 5, 0, "")) {
-        error = LuSVNEntry<50>()(diffOptions, path1, &revision1, path2, &revision2,
-                                 relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
-                                 options.recursive() ? svn_depth_infinity : svn_depth_files, false, false, false,
-                                 LuSVNLocaleCharset, output.file, errors.file, nullptr, context->ctx(), pool);
-    } else {
-        if (relativeToPath)
-            throw LuSVNException("relativeToPath requires 1.5 or greater");
-        error = LuSVNEntry<49>()(diffOptions, path1, &revision1, path2, &revision2, options.recursive(), false, false,
-                                 false, LuSVNLocaleCharset, output.file, errors.file, context->ctx(), pool);
-    }
-    context->throwIfError(error);
+void LuSVNDiff::compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
+                                      const Path& modifiedPath, const Revision& modifiedRevision,
+                                      const Path& relativeToPath,
+                                      const std::shared_ptr<LuSVNOutputStream>& outputStream,
+                                      const LuSVNDiffOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(outputStream != nullptr, "outputStream != nil");
+    PipeToStream pipe(outputStream);
+    writeLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
+                      pipe.writePath(), options, context);
+    pipe.finish();
 }

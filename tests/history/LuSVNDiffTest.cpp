@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -264,7 +267,43 @@ TEST(LuSVNDiffTest, LocationsDiffAsSvnDiffPrintsThem)
         options.setWhitespaceCompareBehavior(c.whitespace);
         LuSVNDiff::compareOriginalAtPath(c.original, c.originalRevision, c.modified, c.modifiedRevision,
                                          local(directory / "out.diff"), options, repository.context());
-        EXPECT_EQ(readFile(directory / "out.diff"), tessera_history_test::svnOrThrow(arguments));
+        const std::string expected = tessera_history_test::svnOrThrow(arguments);
+        EXPECT_EQ(readFile(directory / "out.diff"), expected);
+        EXPECT_NE(fcntl(STDERR_FILENO, F_GETFD), -1) << "the diff closed the process's standard error";
+        std::ostringstream stream;
+        LuSVNDiff::compareOriginalAtPath(c.original, c.originalRevision, c.modified, c.modifiedRevision, nullptr,
+                                         LuSVNStdOutputStream::streamWithStream(stream), options,
+                                         repository.context());
+        EXPECT_EQ(stream.str(), expected);
+    }
+    // Headers relative to a directory: svn's absolute ones without it.
+    std::ostringstream relative;
+    LuSVNDiff::compareOriginalAtPath(local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(), local(wc),
+                                     LuSVNStdOutputStream::streamWithStream(relative), LuSVNDiffOptions(),
+                                     repository.context());
+    std::string expected = tessera_history_test::svnOrThrow({"diff", wc});
+    for (auto at = expected.find(wc + "/"); at != std::string::npos; at = expected.find(wc + "/"))
+        expected.erase(at, wc.size() + 1);
+    EXPECT_EQ(relative.str(), expected);
+}
+
+// A stream that refuses every write.
+class FailingStream : public LuSVNOutputStream {
+public:
+    long write(const std::uint8_t*, std::size_t) override { return -1; }
+};
+
+TEST(LuSVNDiffTest, StreamFailureReachesTheCaller)
+{
+    const auto& repository = HistoryRepository::shared();
+    const auto url = LuSVNURL::URLWithString(repository.url());
+    try {
+        LuSVNDiff::compareOriginalAtPath(url, LuSVNRevision::revisionWithNumber(1), url,
+                                         LuSVNRevision::revisionWithNumber(6), nullptr,
+                                         std::make_shared<FailingStream>(), LuSVNDiffOptions(), repository.context());
+        FAIL() << "no exception";
+    } catch (const LuSVNException& exception) {
+        EXPECT_STREQ(exception.what(), "Unable to write data to output stream");
     }
 }
 
