@@ -81,9 +81,9 @@ struct TemporaryFiles {
     }
 };
 
-// The files a comparison reads: UTF-16 ones replaced by UTF-8 copies that go
-// with this object, on every path (the member goes with a constructor that
-// fails after the first copy, where this destructor would not run).
+// The files a comparison reads, UTF-16 ones replaced by UTF-8 copies. The
+// copies live in a member so that they go on every path, also when the
+// second file fails after the first was copied.
 class ComparedFiles {
 public:
     ComparedFiles(const LuSVNDiff::LocalPath& original, const LuSVNDiff::LocalPath& modified)
