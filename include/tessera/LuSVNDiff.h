@@ -88,8 +88,9 @@ public:
     /// FF, else UTF8. Raises LuSVNNoSuchEntryException "File not found at
     /// "<path>"" when it cannot be read.
     static LuSVNTextEncoding encodingOfFile(const LocalPath& path);
-    /// A new temporary UTF-8 copy (in TMPDIR, else /tmp) of a UTF-16 file
-    /// whose byte-order mark gives the byte order; the caller removes it.
+    /// A new temporary UTF-8 copy (in TMPDIR, else the system's temporary
+    /// directory) of a UTF-16 file whose byte-order mark gives the byte
+    /// order; the caller removes it.
     /// Raises LuSVNNoSuchEntryException "Failed to convert "<path>" from
     /// UTF-16 to UTF-8", "Failed to generate a temporary file name" or
     /// "Failed to write UTF-16 file to "<temporary path>"".

@@ -303,7 +303,7 @@ LuSVNDiff::LocalPath LuSVNDiff::convertFromUTF16ToUTF8(const LocalPath& path)
     text.toUTF8String(utf8);
 
     const char* directory = std::getenv("TMPDIR");
-    std::string name = std::string(directory && *directory ? directory : "/tmp") + "/tessera-utf8-XXXXXX";
+    std::string name = std::string(directory && *directory ? directory : P_tmpdir) + "/tessera-utf8-XXXXXX";
     const int descriptor = mkstemp(name.data());
     if (descriptor < 0)
         raiseNoSuchEntry("Failed to generate a temporary file name");
