@@ -285,17 +285,19 @@ std::int32_t LuSVNNode::commitChangesToNodes(const std::vector<LocalPath>& nodeP
                 {"options", options.description()}, {"context", context->description()});
     LuSVNCheckDepth(options.depth());
     const bool newer = LuSVNHasDepthForms(*context);
+    // Subversion asserts on an unknown commit depth; svn commits everything then.
+    const LuSVNDepth depth = options.depth() == LuSVNDepthUnknown ? LuSVNDepthInfinity : options.depth();
     return LuSVNRunNotified(*context, LuSVNNotifyActionCommitStarted, LuSVNNotifyActionCommitSucceeded,
                             LuSVNNotifyActionCommitFailed, firstPath(nodePaths), [&] {
         LuSVNBackendFrame frame(context->bundle());
         apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
         svn_commit_info_t* info = nullptr;
         if (newer)
-            context->throwIfError(LuSVNEntry<45>()(&info, paths, static_cast<svn_depth_t>(options.depth()),
+            context->throwIfError(LuSVNEntry<45>()(&info, paths, static_cast<svn_depth_t>(depth),
                                                    !options.releaseLocks(), false, nullptr, nullptr, context->ctx(),
                                                    frame.pool()));
         else
-            context->throwIfError(LuSVNEntry<44>()(&info, paths, LuSVNRecursionForDepth(options.depth()),
+            context->throwIfError(LuSVNEntry<44>()(&info, paths, LuSVNRecursionForDepth(depth),
                                                    !options.releaseLocks(), context->ctx(), frame.pool()));
         // Nothing to commit, or no log message: Subversion commits nothing.
         return info && info->revision >= 0 ? static_cast<std::int32_t>(info->revision) : LuSVNInvalidRevision;
