@@ -237,6 +237,29 @@ TEST_F(OperationRules, HandlerFailureStopsTheOperationAndReachesTheCaller)
     }
 }
 
+TEST_F(OperationRules, UpgradeWritesOnlyFormatsOfLoadedReleasesFrom17)
+{
+    struct Case {
+        LuSVNVersion version;
+        const char* refusal;  // null: upgraded
+    };
+    const LuSVNVersion newest = *LuSVNBundleLoader::sharedInstance()->newestVersion();
+    for (const Case& c : {Case{LuSVNVersion::version(1, 6), "only formats of 1.7 and later are written in place"},
+                          Case{LuSVNVersion::version1_7(), "No backend of version 1.7 is loaded"},
+                          Case{newest, nullptr}}) {
+        SCOPED_TRACE(c.version.versionString());
+        try {
+            LuSVNDirectory::upgradeWorkingCopyAtPath(local(wc), c.version, false);
+            EXPECT_EQ(c.refusal, nullptr);
+        } catch (const LuSVNException& refused) {
+            ASSERT_NE(c.refusal, nullptr) << refused.reason();
+            EXPECT_NE(refused.reason().find(c.refusal), std::string::npos) << refused.reason();
+        }
+        EXPECT_EQ(LuSVNNode::formatVersionForWorkingCopyAtPath(wc), TESSERA_SVN_WC_FORMAT);
+        EXPECT_EQ(svnStatus(wc), "");
+    }
+}
+
 // Remembers the items the commit offered and answers with its own message.
 class ItemProvider : public LuSVNLogMessageProvider {
 public:
