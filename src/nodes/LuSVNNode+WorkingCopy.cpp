@@ -310,11 +310,27 @@ void LuSVNNode::add(const LocalPath& path, const LuSVNAddOptions& options, const
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "add:withOptions:withContext", {"path", path->string()},
                 {"options", options.description()}, {"context", context->description()});
+    LuSVNCheckDepth(options.depth());
+    if (options.depth() == LuSVNDepthExclude)
+        throw LuSVNGenericException("Invalid depth");
+    const LuSVNDepth depth = options.depth() != LuSVNDepthUnknown ? options.depth()
+                             : options.recursive()                ? LuSVNDepthInfinity
+                                                                  : LuSVNDepthEmpty;
+    const bool newer = LuSVNHasDepthForms(*context);
+    if (!newer && options.addParents())
+        throw LuSVNInvalidArgumentException("Adding the parents needs a backend of 1.5 or later");
+    if (!newer && depth != LuSVNDepthInfinity && depth != LuSVNDepthEmpty)
+        throw LuSVNGenericException("Invalid depth");
     LuSVNBackendFrame frame(context->bundle());
     context->beginProgress();
-    context->throwIfError(LuSVNEntry<39>()(path->SVNRepresentationInPool(frame.pool()), options.recursive(),
-                                           options.force(), !options.matchIgnorePatterns(), context->ctx(),
-                                           frame.pool()));
+    const char* target = path->SVNRepresentationInPool(frame.pool());
+    if (newer)
+        context->throwIfError(LuSVNEntry<10>()(target, static_cast<svn_depth_t>(depth), options.force(),
+                                               !options.matchIgnorePatterns(), options.addParents(), context->ctx(),
+                                               frame.pool()));
+    else
+        context->throwIfError(LuSVNEntry<39>()(target, depth == LuSVNDepthInfinity, options.force(),
+                                               !options.matchIgnorePatterns(), context->ctx(), frame.pool()));
 }
 
 void LuSVNNode::add(const LocalPath& path, const Context& context)

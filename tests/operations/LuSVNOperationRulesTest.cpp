@@ -134,6 +134,55 @@ TEST_F(OperationRules, DepthsTheOlderFormsCannotExpressAreRefused)
     }
 }
 
+TEST_F(OperationRules, AddTakesDepthAndParentsFromRelease15)
+{
+    struct Case {
+        const char* bundle;
+        const char* name;
+        std::function<void(LuSVNAddOptions&)> set;
+        std::string target;    // below the working copy
+        const char* refusal;   // null: added
+        std::string expected;  // svn status afterwards, paths relative to the working copy
+    };
+    const std::vector<Case> cases = {
+        {nullptr, "empty", [](auto& o) { o.setDepth(LuSVNDepthEmpty); }, "d", nullptr,
+         "A       d\n?       d/e\n?       d/f\n"},
+        {nullptr, "files", [](auto& o) { o.setDepth(LuSVNDepthFiles); }, "d", nullptr,
+         "A       d\n?       d/e\nA       d/f\n"},
+        {nullptr, "recursive", [](auto&) {}, "d", nullptr, "A       d\nA       d/e\nA       d/e/g\nA       d/f\n"},
+        {nullptr, "parents", [](auto& o) { o.setAddParents(true); }, "d/e/g", nullptr,
+         "A       d\nA       d/e\nA       d/e/g\n?       d/f\n"},
+        {TESSERA_TEST_BUNDLE_1_4_6, "not recursive", [](auto& o) { o.setRecursive(false); }, "d", nullptr,
+         "A       d\n?       d/e\n?       d/f\n"},
+        {TESSERA_TEST_BUNDLE_1_4_6, "files", [](auto& o) { o.setDepth(LuSVNDepthFiles); }, "d", "Invalid depth", ""},
+        {TESSERA_TEST_BUNDLE_1_4_6, "parents", [](auto& o) { o.setAddParents(true); }, "d/e/g",
+         "Adding the parents needs a backend of 1.5 or later", ""},
+        {nullptr, "exclude", [](auto& o) { o.setDepth(LuSVNDepthExclude); }, "d", "Invalid depth", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.bundle ? c.bundle : "newest") + " " + c.name);
+        std::filesystem::remove_all(wc + "/d");
+        svn({"revert", "-q", "-R", wc});
+        std::filesystem::create_directories(wc + "/d/e");
+        tessera_test::writeFile(wc + "/d/f", "f\n");
+        tessera_test::writeFile(wc + "/d/e/g", "g\n");
+        LuSVNAddOptions options;
+        c.set(options);
+        try {
+            LuSVNNode::add(local(wc + "/" + c.target), options, contextFor(c.bundle));
+            EXPECT_EQ(c.refusal, nullptr);
+        } catch (const LuSVNException& refused) {
+            ASSERT_NE(c.refusal, nullptr) << refused.reason();
+            EXPECT_EQ(refused.reason(), c.refusal);
+        }
+        const auto status = svn({"status", wc});
+        std::string relative = status.output;
+        for (std::size_t at; (at = relative.find(wc + "/")) != std::string::npos;)
+            relative.erase(at, wc.size() + 1);
+        EXPECT_EQ(relative, c.refusal ? "?       d\n" : c.expected);
+    }
+}
+
 TEST_F(OperationRules, OperationsAnnounceStartAndOutcome)
 {
     struct Case {
