@@ -131,6 +131,7 @@ void LuSVNContext::setupContext()
     setupLogCallback();
     setupNotificationCallback();
     setupCancellationCallback();
+    setupProgressCallback();
 }
 
 void LuSVNContext::makeAuthenticationStack(std::vector<LuSVNAuthenticationStack::Provider> providers)
@@ -183,6 +184,23 @@ void LuSVNContext::setNotificationHandler(std::shared_ptr<LuSVNNotificationHandl
 {
     std::lock_guard<std::recursive_mutex> guard(lock_);
     notificationHandler_.swap(handler);
+}
+
+LuSVNContext::ProgressHandler LuSVNContext::progressHandler() const
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    return progressHandler_;
+}
+
+void LuSVNContext::setProgressHandler(ProgressHandler handler)
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    progressHandler_.swap(handler);
+}
+
+void LuSVNContext::beginProgress()
+{
+    progress_ = LuSVNProgress();
 }
 
 void LuSVNContext::notify(const LuSVNNotification& notification)
