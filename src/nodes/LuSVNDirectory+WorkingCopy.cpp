@@ -473,14 +473,14 @@ std::int32_t LuSVNDirectory::checkoutDirectoryAtURL(const URLPath& url, const Lo
             svn_revnum_t result = -1;
             if (newer)
                 context->throwIfError(LuSVNEntry<42>()(&result, url->SVNRepresentationInPool(frame.pool()),
-                                                       path->SVNRepresentationInPool(frame.pool()), &peg, &operative,
+                                                       tessera_private::LuSVNWorkingCopyTarget(*path, frame.pool()), &peg, &operative,
                                                        static_cast<svn_depth_t>(options.depth()),
                                                        !options.processExternals(),
                                                        options.allowUnversionedObstructions(), context->ctx(),
                                                        frame.pool()));
             else
                 context->throwIfError(LuSVNEntry<41>()(&result, url->SVNRepresentationInPool(frame.pool()),
-                                                       path->SVNRepresentationInPool(frame.pool()), &peg, &operative,
+                                                       tessera_private::LuSVNWorkingCopyTarget(*path, frame.pool()), &peg, &operative,
                                                        options.depth() == LuSVNDepthInfinity,
                                                        !options.processExternals(), context->ctx(), frame.pool()));
             if (result < 0)
@@ -497,7 +497,7 @@ void LuSVNDirectory::cleanUpWorkingCopyAtPath(const LocalPath& path, const Conte
                 {"context", context->description()});
     LuSVNBackendFrame frame(context->bundle());
     context->beginProgress();
-    context->throwIfError(LuSVNEntry<43>()(path->SVNRepresentationInPool(frame.pool()), context->ctx(), frame.pool()));
+    context->throwIfError(LuSVNEntry<43>()(tessera_private::LuSVNWorkingCopyTarget(*path, frame.pool()), context->ctx(), frame.pool()));
 }
 
 void LuSVNDirectory::upgradeWorkingCopyAtPath(const LocalPath& path, const LuSVNVersion& version, bool force)
@@ -515,6 +515,6 @@ void LuSVNDirectory::upgradeWorkingCopyAtPath(const LocalPath& path, const LuSVN
                              path->string() + "'");
     const auto context = LuSVNContext::contextWithBundle(bundle);
     LuSVNBackendFrame frame(bundle);
-    context->throwIfError(LuSVNEntry<126>()(path->SVNRepresentationInPool(frame.pool()), context->ctx(),
+    context->throwIfError(LuSVNEntry<126>()(tessera_private::LuSVNWorkingCopyTarget(*path, frame.pool()), context->ctx(),
                                             frame.pool()));
 }

@@ -62,6 +62,21 @@ bool administrativeAreaLacksDatabase(const std::string& path, apr_pool_t* pool)
     return false;
 }
 
+}  // namespace
+
+const char* tessera_private::LuSVNWorkingCopyTarget(const LuSVNLocalPath& path, apr_pool_t* pool)
+{
+    const char* target = path.SVNRepresentationInPool(pool);
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(target, error);
+    const bool directory = std::filesystem::is_directory(absolute, error);
+    if (administrativeAreaLacksDatabase(directory ? absolute.string() : absolute.parent_path().string(), pool))
+        LuSVNException::exceptionWithReason("'" + absolute.string() + "' is not a working copy", 155007)->raise();
+    return target;
+}
+
+namespace {
+
 svn_error_t* LuSVNIgnoreInfoFunc(void*, const char*, const svn_client_info2_t*, apr_pool_t*)
 {
     return nullptr;
@@ -174,7 +189,7 @@ LuSVNNode::LocalPath LuSVNNode::BASEPathForNodeAtPath(const LocalPath& path, con
                 {"context", context->description()});
     LuSVNBackendFrame frame(context->bundle());
     const char* pristine = nullptr;
-    context->throwIfError(LuSVNEntry<103>()(path->SVNRepresentationInPool(frame.pool()), &pristine, frame.pool()));
+    context->throwIfError(LuSVNEntry<103>()(LuSVNWorkingCopyTarget(*path, frame.pool()), &pristine, frame.pool()));
     return LuSVNLocalPath::pathWithString(pristine);
 }
 
@@ -260,14 +275,14 @@ std::int32_t LuSVNNode::switchNodeAtPath(const LocalPath& path, const URLPath& t
         const svn_opt_revision_t operative = options.revision()->keyRevision()->SVNRevision();
         svn_revnum_t result = -1;
         if (newer)
-            context->throwIfError(LuSVNEntry<124>()(&result, path->SVNRepresentationInPool(frame.pool()),
+            context->throwIfError(LuSVNEntry<124>()(&result, LuSVNWorkingCopyTarget(*path, frame.pool()),
                                                     toURL->SVNRepresentationInPool(frame.pool()), &peg, &operative,
                                                     static_cast<svn_depth_t>(options.depth()),
                                                     options.depthIsSticky(), !options.processExternals(),
                                                     options.allowUnversionedObstructions(), context->ctx(),
                                                     frame.pool()));
         else
-            context->throwIfError(LuSVNEntry<123>()(&result, path->SVNRepresentationInPool(frame.pool()),
+            context->throwIfError(LuSVNEntry<123>()(&result, LuSVNWorkingCopyTarget(*path, frame.pool()),
                                                     toURL->SVNRepresentationInPool(frame.pool()), &operative,
                                                     LuSVNRecursionForDepth(options.depth()), context->ctx(),
                                                     frame.pool()));
@@ -323,7 +338,7 @@ void LuSVNNode::add(const LocalPath& path, const LuSVNAddOptions& options, const
         throw LuSVNGenericException("Invalid depth");
     LuSVNBackendFrame frame(context->bundle());
     context->beginProgress();
-    const char* target = path->SVNRepresentationInPool(frame.pool());
+    const char* target = LuSVNWorkingCopyTarget(*path, frame.pool());
     if (newer)
         context->throwIfError(LuSVNEntry<10>()(target, static_cast<svn_depth_t>(depth), options.force(),
                                                !options.matchIgnorePatterns(), options.addParents(), context->ctx(),
@@ -365,7 +380,7 @@ void LuSVNNode::resolveNodeAtPath(const LocalPath& path, const LuSVNResolveOptio
                 {"options", options.description()}, {"context", context->description()});
     LuSVNBackendFrame frame(context->bundle());
     context->beginProgress();
-    const char* target = path->SVNRepresentationInPool(frame.pool());
+    const char* target = LuSVNWorkingCopyTarget(*path, frame.pool());
     if (options.conflictChoice() == LuSVNConflictChoiceMerged)
         context->throwIfError(LuSVNEntry<65>()(target, options.recursive(), context->ctx(), frame.pool()));
     else
@@ -385,7 +400,7 @@ void LuSVNNode::relocateNodeAtPath(const LocalPath& path, const std::string& fro
     LuSVNRunNotified(*context, LuSVNNotifyActionRelocateStarted, LuSVNNotifyActionRelocateSucceeded,
                      LuSVNNotifyActionRelocateFailed, path->string(), [&] {
         LuSVNBackendFrame frame(context->bundle());
-        context->throwIfError(LuSVNEntry<125>()(path->SVNRepresentationInPool(frame.pool()), fromPrefix.c_str(),
+        context->throwIfError(LuSVNEntry<125>()(LuSVNWorkingCopyTarget(*path, frame.pool()), fromPrefix.c_str(),
                                                 toPrefix.c_str(), recursive, context->ctx(), frame.pool()));
     });
 }

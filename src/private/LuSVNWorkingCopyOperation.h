@@ -52,6 +52,13 @@ inline bool LuSVNRecursionForDepth(LuSVNDepth depth)
     }
 }
 
+/// The path's Subversion form for a working-copy call. Raises
+/// LuSVNNotWorkingCopyException "'<path>' is not a working copy" when the
+/// administrative area of the path (a directory) or of its parent (anything
+/// else) names a format of 1.7 or later but holds no wc.db: Subversion 1.14
+/// crashes on those instead of reporting them.
+const char* LuSVNWorkingCopyTarget(const LuSVNLocalPath& path, apr_pool_t* pool);
+
 /// The paths as a Subversion array of internal-style paths in the pool.
 inline apr_array_header_t* LuSVNPathArray(const std::vector<std::shared_ptr<const LuSVNLocalPath>>& paths,
                                           apr_pool_t* pool)
@@ -59,7 +66,7 @@ inline apr_array_header_t* LuSVNPathArray(const std::vector<std::shared_ptr<cons
     apr_array_header_t* array = LuSVNEntry<11>()(pool, static_cast<int>(paths.size()), sizeof(const char*));
     for (const auto& path : paths) {
         LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
-        *static_cast<const char**>(LuSVNEntry<12>()(array)) = path->SVNRepresentationInPool(pool);
+        *static_cast<const char**>(LuSVNEntry<12>()(array)) = LuSVNWorkingCopyTarget(*path, pool);
     }
     return array;
 }

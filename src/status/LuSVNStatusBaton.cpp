@@ -8,6 +8,7 @@
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
 #include "LuSVNStatus+ClientStatus.h"
+#include "LuSVNWorkingCopyOperation.h"
 
 namespace {
 
@@ -292,7 +293,7 @@ void LuSVNReportStatus(LuSVNContext& context, const LuSVNNode::LocalPath& path, 
     if (externals)
         listener.emplace(context.ctx(), externals, &pending);
     const svn_opt_revision_t revision = options.revision()->SVNRevision();
-    const char* target = path->SVNRepresentationInPool(pool);
+    const char* target = tessera_private::LuSVNWorkingCopyTarget(*path, pool);
     svn_error_t* error;
     if (context.bundleVersion()->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())) {
         const svn_depth_t depth =

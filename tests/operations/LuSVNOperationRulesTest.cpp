@@ -7,12 +7,14 @@
 #include <tessera/LuSVNResolveOptions.h>
 #include <tessera/LuSVNRevertOptions.h>
 #include <tessera/LuSVNSimpleLogMessageProvider.h>
+#include <tessera/LuSVNStatusOptions.h>
 #include <tessera/LuSVNSwitchOptions.h>
 #include <tessera/LuSVNUpdateOptions.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 
 #include "OperationsTestSupport.h"
@@ -306,6 +308,37 @@ TEST_F(OperationRules, UpgradeWritesOnlyFormatsOfLoadedReleasesFrom17)
         }
         EXPECT_EQ(LuSVNNode::formatVersionForWorkingCopyAtPath(wc), TESSERA_SVN_WC_FORMAT);
         EXPECT_EQ(svnStatus(wc), "");
+    }
+}
+
+// Subversion 1.14 crashes on a directory whose .svn names a format of 1.7 or
+// later in "entries" but holds no wc.db, and on the items in it: every
+// working-copy call refuses such a target before Subversion sees it.
+TEST_F(OperationRules, AdministrativeAreaWithoutDatabaseIsNoWorkingCopy)
+{
+    const std::string broken = directory / "broken";
+    std::filesystem::create_directories(broken + "/.svn");
+    tessera_test::writeFile(broken + "/.svn/entries", "31\n");
+    tessera_test::writeFile(broken + "/file.txt", "x\n");
+    const auto context = contextFor(nullptr);
+    const std::vector<std::pair<const char*, std::function<void(const std::string&)>>> calls{
+        {"status", [&](const std::string& path) {
+             LuSVNDirectory::statusForNodesInDirectoryAtPath(local(path), LuSVNStatusOptions(), context);
+         }},
+        {"update", [&](const std::string& path) {
+             LuSVNNode::updateNodes({local(path)}, LuSVNRevisionSpec::HEAD(), {}, context);
+         }},
+        {"revert", [&](const std::string& path) { LuSVNNode::revertNodes({local(path)}, {}, context); }},
+        {"clean-up", [&](const std::string& path) { LuSVNDirectory::cleanUpWorkingCopyAtPath(local(path), context); }},
+        {"check-out", [&](const std::string& path) {
+             LuSVNDirectory::checkoutDirectoryAtURL(url(repositoryURL), local(path), {}, context);
+         }},
+    };
+    for (const auto& [name, call] : calls) {
+        for (const std::string& target : {broken, broken + "/file.txt"}) {
+            SCOPED_TRACE(std::string(name) + " " + target);
+            EXPECT_THROW(call(target), LuSVNNotWorkingCopyException);
+        }
     }
 }
 
