@@ -173,6 +173,8 @@ int runTessera(int argc, char** argv)
     program.require_subcommand(0, 1);
     bool programHelpWanted = false;
     program.add_flag("-h,--help", programHelpWanted)->group("");
+    // svn takes its global options before the command's name too.
+    addGlobalOptions(program, tesseraGlobalSettings());
 
     struct Parsed {
         TesseraCommand::Action action;
@@ -189,6 +191,7 @@ int runTessera(int argc, char** argv)
             Parsed& parsed = commands[parser];
             parser->add_flag("-h,--help", parsed.helpWanted)->group("");
             parsed.action = command->setUp(*parser);
+            addGlobalOptions(*parser, tesseraGlobalSettings());
         }
         try {
             program.parse(parserArguments(program, argc, argv));
