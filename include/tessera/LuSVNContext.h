@@ -28,7 +28,9 @@
 // operation at a time; operations do not hold the lock while they run.
 #pragma once
 
+#include <cstdint>
 #include <exception>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -52,6 +54,16 @@ struct svn_client_ctx_t;
 struct svn_config_t;
 struct svn_error_t;
 class LuSVNContext;
+
+/// What a running operation has transferred so far.
+struct LuSVNProgress {
+    /// Bytes Subversion reports moved over the network; stays 0 on file://.
+    std::int64_t bytes = 0;
+    /// The total bytes expected; -1 when unknown.
+    std::int64_t totalBytes = -1;
+    /// Item notifications received so far in this operation.
+    std::int64_t items = 0;
+};
 
 /// The application's listener of a context. Its one operation is optional:
 /// the default lets the operation go on.
@@ -237,6 +249,16 @@ public:
     /// Replaces the first link of the handler chain (null: no notifications).
     void setNotificationHandler(std::shared_ptr<LuSVNNotificationHandler> handler);
 
+    /// Receives the progress of the running operation.
+    using ProgressHandler = std::function<void(const LuSVNProgress& progress)>;
+    /// Replaces the progress handler (empty: none). It is called on the
+    /// operation's thread whenever Subversion reports bytes moved and after
+    /// each item notification; an exception from it stops the operation and
+    /// reaches the caller.
+    void setProgressHandler(ProgressHandler handler);
+    /// The progress handler; empty when none is set.
+    ProgressHandler progressHandler() const;
+
     /// Hands the notification to the notification handler, if any.
     void notify(const LuSVNNotification& notification);
 
@@ -274,6 +296,7 @@ private:
     std::shared_ptr<LuSVNAuthenticationStack> authenticationStack_;
     std::shared_ptr<LuSVNLogMessageProvider> logMessageProvider_;
     std::shared_ptr<LuSVNNotificationHandler> notificationHandler_;
+    ProgressHandler progressHandler_;
     std::optional<std::string> configurationDirectory_;
     // What a callback raised during the running operation, for throwIfError.
     std::exception_ptr pendingException_;

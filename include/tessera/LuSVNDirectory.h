@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 
+#include <tessera/LuSVNCheckOutOptions.h>
 #include <tessera/LuSVNNode.h>
 #include <tessera/LuSVNStatusOptions.h>
 
@@ -217,6 +218,41 @@ public:
     /// every external directory that a status walk of the path may meet.
     static PathSet externalsForPath(
         const LocalPath& path, const Context& context);
+
+    // --- Working-copy operations ---------------------------------------------------
+    //
+    //   LuSVNCheckOutOptions options;
+    //   options.setDepth(LuSVNDepthFiles);
+    //   std::int32_t revision = LuSVNDirectory::checkoutDirectoryAtURL(url, path, options, context);
+    //
+    // Each runs one Subversion call in the context's backend. Notifications
+    // reach the context's handler chain while it runs, the delegate may
+    // cancel it between them (LuSVNOperationCancelledException), and an
+    // exception of a handler stops it and reaches the caller. A Subversion
+    // error raises its LuSVNException; what was done until then stays done
+    // and cleanUpWorkingCopyAtPath (or svn cleanup) repairs the working copy.
+
+    /// Checks the URL out into the path at the options' revision (peg and
+    /// operative revision alike); answers the checked-out revision. Backends
+    /// before 1.5 take depth infinity or files only ("Incompatible depth
+    /// argument for 1.4 (LuSVNDepthInfinity and LuSVNDepthFiles supported)");
+    /// a depth outside exclude..infinity raises "Invalid depth". Sends
+    /// LuSVNNotifyActionCheckOutStarted, then ...Succeeded or ...Failed.
+    /// Raises "Invalid parameter not satisfying: url != nil" (and "path !=
+    /// nil", "context != nil").
+    static std::int32_t checkoutDirectoryAtURL(const URLPath& url, const LocalPath& path,
+                                               const LuSVNCheckOutOptions& options, const Context& context);
+    /// Removes the working copy's stale locks and finishes its interrupted
+    /// work (svn cleanup). Raises "Invalid parameter not satisfying: path !=
+    /// nil" (and "context != nil").
+    static void cleanUpWorkingCopyAtPath(const LocalPath& path, const Context& context);
+    /// Upgrades the working copy's format to that of the release: 1.7 and
+    /// later through a new context on the release's loaded backend
+    /// (bundleForVersion) and svn_client_upgrade. A release older than
+    /// 1.7 raises LuSVNException: no backend before 1.7 upgrades in place,
+    /// and no external script is run on this platform. `force` is kept for
+    /// callers of the older form; Subversion's upgrade has no such choice.
+    static void upgradeWorkingCopyAtPath(const LocalPath& path, const LuSVNVersion& version, bool force);
 
 protected:
     LuSVNDirectory() = default;

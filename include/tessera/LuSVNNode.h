@@ -47,6 +47,7 @@
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNLocalPath.h>
 #include <tessera/LuSVNLock.h>
+#include <tessera/LuSVNOptions.h>
 #include <tessera/LuSVNPath.h>
 #include <tessera/LuSVNRevisionSpec.h>
 #include <tessera/LuSVNStatus.h>
@@ -54,8 +55,14 @@
 #include <tessera/LuSVNURL.h>
 #include <tessera/LuSVNVersion.h>
 
+class LuSVNAddOptions;
+class LuSVNCommitOptions;
 class LuSVNContext;
+class LuSVNResolveOptions;
+class LuSVNRevertOptions;
 class LuSVNStatusOptions;
+class LuSVNSwitchOptions;
+class LuSVNUpdateOptions;
 struct svn_dirent_t;
 struct svn_lock_t;
 struct svn_wc_status2_t;
@@ -356,6 +363,69 @@ public:
     /// The path of the working copy's metadata directory in the directory
     /// (".svn"), through the default backend.
     static std::string adminAreaInDirectoryAtPath(const std::string& path);
+
+    // --- Working-copy operations ---------------------------------------------------
+    //
+    //   auto revisions = LuSVNNode::updateNodes({path}, LuSVNHeadRevision::headRevision(), options, context);
+    //   context->setLogMessageProvider(LuSVNSimpleLogMessageProvider::providerWithMessage("Fix"));
+    //   std::int32_t committed = LuSVNNode::commitChangesToNodes({path}, LuSVNCommitOptions(), context);
+    //
+    // Each runs one Subversion call in the context's backend, the newer form
+    // on backends 1.5 and later, the older one before (which knows no depth
+    // but infinity and files: another depth there raises "Incompatible depth
+    // argument for 1.4 (LuSVNDepthInfinity and LuSVNDepthFiles supported)";
+    // a depth outside exclude..infinity raises "Invalid depth" everywhere).
+    // Notifications reach the context's handler chain while it runs, the
+    // delegate may cancel it between them (LuSVNOperationCancelledException),
+    // and an exception of a handler stops it and reaches the caller. A
+    // Subversion error raises its LuSVNException. Each raises "Invalid
+    // parameter not satisfying: ..." for a null path, array, URL, revision
+    // or context.
+
+    /// Updates the paths to the revision; one result revision per path, in
+    /// the order of the paths. Sends LuSVNNotifyActionUpdateStarted (before
+    /// 1.7 LuSVNNotifyActionLegacyUpdateStarted), then ...Succeeded or
+    /// ...Failed. A backend answering another number of revisions raises
+    /// "Expected resultant revision array with length of N, found M".
+    static std::vector<std::int32_t> updateNodes(const std::vector<LocalPath>& nodePaths, const Revision& revision,
+                                                 const LuSVNUpdateOptions& options, const Context& context);
+    /// Switches the path to the URL at the options' revision; answers the
+    /// revision switched to. Sends the Switch Started/Succeeded/Failed
+    /// notifications.
+    static std::int32_t switchNodeAtPath(const LocalPath& path, const URLPath& toURL,
+                                         const LuSVNSwitchOptions& options, const Context& context);
+    /// Commits the changes of the paths; answers the committed revision,
+    /// LuSVNInvalidRevision when there was nothing to commit or the log
+    /// message provider chain gave no message (the commit is then
+    /// abandoned). The log message comes from the context's log-message
+    /// provider chain, which sees the commit items. Sends the Commit
+    /// Started/Succeeded/Failed notifications.
+    static std::int32_t commitChangesToNodes(const std::vector<LocalPath>& nodePaths,
+                                             const LuSVNCommitOptions& options, const Context& context);
+    /// Schedules the path for addition (svn add).
+    static void add(const LocalPath& path, const LuSVNAddOptions& options, const Context& context);
+    /// The same with the default options.
+    static void add(const LocalPath& path, const Context& context);
+    /// Reverts the local changes of the paths to the options' depth.
+    static void revertNodes(const std::vector<LocalPath>& nodePaths, const LuSVNRevertOptions& options,
+                            const Context& context);
+    /// Marks the path's conflicts resolved with the options' conflict
+    /// choice: merged as svn resolved does (every backend), another choice
+    /// through svn_client_resolve (1.5 and later).
+    static void resolveNodeAtPath(const LocalPath& path, const LuSVNResolveOptions& options,
+                                  const Context& context);
+    /// Rewrites the working copy's URLs that begin with the old prefix to
+    /// begin with the new one. Prefixes are URL texts as svn relocate takes
+    /// them (compared as text). Sends the Relocate Started/Succeeded/Failed
+    /// notifications.
+    static void relocateNodeAtPath(const LocalPath& path, const std::string& fromPrefix,
+                                   const std::string& toPrefix, bool recursive, const Context& context);
+    /// Puts the paths into the changelist (1.5 and later).
+    static void addNodesToChangelist(const std::vector<LocalPath>& nodePaths, const std::string& changelist,
+                                     LuSVNDepth depth, const Context& context);
+    /// Takes the paths out of whatever changelist they are in (1.5 and later).
+    static void removeNodesFromChangelists(const std::vector<LocalPath>& nodePaths, LuSVNDepth depth,
+                                           const Context& context);
 
 protected:
     LuSVNNode() = default;

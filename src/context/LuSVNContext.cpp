@@ -185,6 +185,18 @@ void LuSVNContext::setNotificationHandler(std::shared_ptr<LuSVNNotificationHandl
     notificationHandler_.swap(handler);
 }
 
+LuSVNContext::ProgressHandler LuSVNContext::progressHandler() const
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    return progressHandler_;
+}
+
+void LuSVNContext::setProgressHandler(ProgressHandler handler)
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    progressHandler_.swap(handler);
+}
+
 void LuSVNContext::notify(const LuSVNNotification& notification)
 {
     if (auto handler = notificationHandler())
