@@ -258,6 +258,9 @@ public:
     void setProgressHandler(ProgressHandler handler);
     /// The progress handler; empty when none is set.
     ProgressHandler progressHandler() const;
+    /// For operations: starts the progress of a new operation (bytes and
+    /// items back to 0).
+    void beginProgress();
 
     /// Hands the notification to the notification handler, if any.
     void notify(const LuSVNNotification& notification);
@@ -280,6 +283,7 @@ private:
     void setupLogCallback();
     void setupNotificationCallback();
     void setupCancellationCallback();
+    void setupProgressCallback();
     // The category's configuration, or null, with the backend pushed.
     svn_config_t* configurationOfCategory(const std::string& category) const;
 
@@ -297,6 +301,8 @@ private:
     std::shared_ptr<LuSVNLogMessageProvider> logMessageProvider_;
     std::shared_ptr<LuSVNNotificationHandler> notificationHandler_;
     ProgressHandler progressHandler_;
+    // What the running operation has done so far; its thread alone uses it.
+    LuSVNProgress progress_;
     std::optional<std::string> configurationDirectory_;
     // What a callback raised during the running operation, for throwIfError.
     std::exception_ptr pendingException_;

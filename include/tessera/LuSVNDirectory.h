@@ -236,7 +236,7 @@ public:
     /// operative revision alike); answers the checked-out revision. Backends
     /// before 1.5 take depth infinity or files only ("Incompatible depth
     /// argument for 1.4 (LuSVNDepthInfinity and LuSVNDepthFiles supported)");
-    /// a depth outside exclude..infinity raises "Invalid depth". Sends
+    /// a depth outside unknown..infinity raises "Invalid depth". Sends
     /// LuSVNNotifyActionCheckOutStarted, then ...Succeeded or ...Failed.
     /// Raises "Invalid parameter not satisfying: url != nil" (and "path !=
     /// nil", "context != nil").

@@ -374,7 +374,7 @@ public:
     // on backends 1.5 and later, the older one before (which knows no depth
     // but infinity and files: another depth there raises "Incompatible depth
     // argument for 1.4 (LuSVNDepthInfinity and LuSVNDepthFiles supported)";
-    // a depth outside exclude..infinity raises "Invalid depth" everywhere).
+    // a depth outside unknown..infinity raises "Invalid depth" everywhere).
     // Notifications reach the context's handler chain while it runs, the
     // delegate may cancel it between them (LuSVNOperationCancelledException),
     // and an exception of a handler stops it and reaches the caller. A

@@ -39,6 +39,21 @@ LuSVNNotification notificationWithSVNNotify(const svn_wc_notify_t& notify,
     return notification;
 }
 
+// Whether the notification is about one item, not the start or end of a
+// whole operation.
+bool isItemNotification(svn_wc_notify_action_t action)
+{
+    switch (action) {
+    case svn_wc_notify_update_completed:
+    case svn_wc_notify_status_completed:
+    case svn_wc_notify_update_started:
+    case svn_wc_notify_merge_completed:
+        return false;
+    default:
+        return true;
+    }
+}
+
 // A cancellation error for Subversion; none when there is no backend to make
 // one, the lesser harm than unwinding.
 svn_error_t* cancellationError(const std::shared_ptr<LuSVNBundleProxy>& bundle, const char* message) noexcept
@@ -87,14 +102,43 @@ struct LuSVNContext::Callbacks {
     {
         auto& context = *static_cast<LuSVNContext*>(baton);
         // After a failure the operation is being stopped; the handlers hear no more of it.
-        if (context.pendingException_ || !context.notificationHandler())
+        if (context.pendingException_)
             return;
         try {
-            LuSVNBundlePushed pushed(context.bundle());
-            context.notify(notificationWithSVNNotify(*notify, context.bundleVersion()));
+            if (context.notificationHandler()) {
+                LuSVNBundlePushed pushed(context.bundle());
+                context.notify(notificationWithSVNNotify(*notify, context.bundleVersion()));
+            }
+            if (isItemNotification(notify->action)) {
+                ++context.progress_.items;
+                reportProgress(context);
+            }
         } catch (...) {
             context.pendingException_ = std::current_exception();
         }
+    }
+
+    // Subversion reports the bytes of each network session; the handler
+    // sees the latest report. A handler's exception waits for the next
+    // cancellation check, which stops the operation.
+    static void LuSVNProgressFunction(apr_off_t progress, apr_off_t total, void* baton, apr_pool_t*) noexcept
+    {
+        auto& context = *static_cast<LuSVNContext*>(baton);
+        if (context.pendingException_)
+            return;
+        context.progress_.bytes = progress;
+        context.progress_.totalBytes = total;
+        try {
+            reportProgress(context);
+        } catch (...) {
+            context.pendingException_ = std::current_exception();
+        }
+    }
+
+    static void reportProgress(LuSVNContext& context)
+    {
+        if (const auto handler = context.progressHandler())
+            handler(context.progress_);
     }
 
     static svn_error_t* LuSVNCancelFunction(void* baton) noexcept
@@ -135,4 +179,10 @@ void LuSVNContext::setupCancellationCallback()
 {
     ctx_->cancel_func = &Callbacks::LuSVNCancelFunction;
     ctx_->cancel_baton = this;
+}
+
+void LuSVNContext::setupProgressCallback()
+{
+    ctx_->progress_func = &Callbacks::LuSVNProgressFunction;
+    ctx_->progress_baton = this;
 }

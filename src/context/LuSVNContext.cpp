@@ -131,6 +131,7 @@ void LuSVNContext::setupContext()
     setupLogCallback();
     setupNotificationCallback();
     setupCancellationCallback();
+    setupProgressCallback();
 }
 
 void LuSVNContext::makeAuthenticationStack(std::vector<LuSVNAuthenticationStack::Provider> providers)
@@ -195,6 +196,11 @@ void LuSVNContext::setProgressHandler(ProgressHandler handler)
 {
     std::lock_guard<std::recursive_mutex> guard(lock_);
     progressHandler_.swap(handler);
+}
+
+void LuSVNContext::beginProgress()
+{
+    progress_ = LuSVNProgress();
 }
 
 void LuSVNContext::notify(const LuSVNNotification& notification)

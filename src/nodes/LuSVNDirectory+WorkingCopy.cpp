@@ -1,3 +1,4 @@
+#include <tessera/LuSVNBundleLoader.h>
 #include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNDateConversion.h>
 #include <tessera/LuSVNDefinitions.h>
@@ -12,6 +13,7 @@
 #include "LuSVNNode+Properties.h"
 #include "LuSVNStatusBaton.h"
 #include "LuSVNTrace.h"
+#include "LuSVNWorkingCopyOperation.h"
 
 namespace {
 
@@ -444,4 +446,75 @@ bool LuSVNDirectory::hasConflictedNodes() const
 bool LuSVNDirectory::hasNodesChangedInRepository() const
 {
     return LuSVNStatusIsAbnormal(aggregateRepositoryChildStatus());
+}
+
+std::int32_t LuSVNDirectory::checkoutDirectoryAtURL(const URLPath& url, const LocalPath& path,
+                                                   const LuSVNCheckOutOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(url != nullptr, "url != nil");
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_PARAMETER_ASSERT(options.depth() != LuSVNDepthUnknown, "[options depth] != LuSVNDepthUnknown");
+    LUSVN_PARAMETER_ASSERT(options.depth() != LuSVNDepthExclude, "[options depth] != LuSVNDepthExclude");
+    LUSVN_TRACE("LuSVNDirectory", "checkoutDirectoryAtURL:intoDirectoryAtPath:withOptions:withContext",
+                {"url", url->string()}, {"path", path->string()}, {"options", options.description()},
+                {"context", context->description()});
+    tessera_private::LuSVNCheckDepth(options.depth());
+    const bool newer = tessera_private::LuSVNHasDepthForms(*context);
+    if (!newer && options.depth() != LuSVNDepthInfinity && options.depth() != LuSVNDepthFiles)
+        throw LuSVNInvalidArgumentException(
+            "Incompatible depth argument for 1.4 (LuSVNDepthInfinity and LuSVNDepthFiles supported)");
+    return tessera_private::LuSVNRunNotified(
+        *context, LuSVNNotifyActionCheckOutStarted, LuSVNNotifyActionCheckOutSucceeded,
+        LuSVNNotifyActionCheckOutFailed, path->string(), [&] {
+            LuSVNBackendFrame frame(context->bundle());
+            const svn_opt_revision_t peg = options.revision()->pegRevision()->SVNRevision();
+            const svn_opt_revision_t operative = options.revision()->keyRevision()->SVNRevision();
+            svn_revnum_t result = -1;
+            if (newer)
+                context->throwIfError(LuSVNEntry<42>()(&result, url->SVNRepresentationInPool(frame.pool()),
+                                                       path->SVNRepresentationInPool(frame.pool()), &peg, &operative,
+                                                       static_cast<svn_depth_t>(options.depth()),
+                                                       !options.processExternals(),
+                                                       options.allowUnversionedObstructions(), context->ctx(),
+                                                       frame.pool()));
+            else
+                context->throwIfError(LuSVNEntry<41>()(&result, url->SVNRepresentationInPool(frame.pool()),
+                                                       path->SVNRepresentationInPool(frame.pool()), &peg, &operative,
+                                                       options.depth() == LuSVNDepthInfinity,
+                                                       !options.processExternals(), context->ctx(), frame.pool()));
+            if (result < 0)
+                throw LuSVNException("Invalid revision");
+            return static_cast<std::int32_t>(result);
+        });
+}
+
+void LuSVNDirectory::cleanUpWorkingCopyAtPath(const LocalPath& path, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDirectory", "cleanUpWorkingCopyAtPath:withContext", {"path", path->string()},
+                {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    context->beginProgress();
+    context->throwIfError(LuSVNEntry<43>()(path->SVNRepresentationInPool(frame.pool()), context->ctx(), frame.pool()));
+}
+
+void LuSVNDirectory::upgradeWorkingCopyAtPath(const LocalPath& path, const LuSVNVersion& version, bool force)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_TRACE("LuSVNDirectory", "upgradeWorkingCopyAtPath:toVersion:force", {"path", path->string()},
+                {"version", version.versionString()}, {"force", force ? "YES" : "NO"});
+    const LuSVNVersion target = version.versionWithMajorAndMinorComponents();
+    if (!target.isGreaterThanOrEqualTo(LuSVNVersion::version1_7()))
+        throw LuSVNException("Cannot upgrade '" + path->string() + "' to the format of " + target.versionString() +
+                             ": only formats of 1.7 and later are written in place");
+    const auto bundle = LuSVNBundleLoader::sharedInstance()->bundleForVersion(target);
+    if (!bundle)
+        throw LuSVNException("No backend of version " + target.versionString() + " is loaded to upgrade '" +
+                             path->string() + "'");
+    const auto context = LuSVNContext::contextWithBundle(bundle);
+    LuSVNBackendFrame frame(bundle);
+    context->throwIfError(LuSVNEntry<126>()(path->SVNRepresentationInPool(frame.pool()), context->ctx(),
+                                            frame.pool()));
 }

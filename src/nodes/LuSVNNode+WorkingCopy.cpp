@@ -1,7 +1,13 @@
+#include <tessera/LuSVNAddOptions.h>
 #include <tessera/LuSVNBundleLoader.h>
+#include <tessera/LuSVNCommitOptions.h>
 #include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNNode.h>
+#include <tessera/LuSVNResolveOptions.h>
+#include <tessera/LuSVNRevertOptions.h>
+#include <tessera/LuSVNSwitchOptions.h>
+#include <tessera/LuSVNUpdateOptions.h>
 
 #include <filesystem>
 #include <fstream>
@@ -9,6 +15,9 @@
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
 #include "LuSVNTrace.h"
+#include "LuSVNWorkingCopyOperation.h"
+
+using namespace tessera_private;
 
 namespace {
 
@@ -167,4 +176,227 @@ LuSVNNode::LocalPath LuSVNNode::BASEPathForNodeAtPath(const LocalPath& path, con
     const char* pristine = nullptr;
     context->throwIfError(LuSVNEntry<103>()(path->SVNRepresentationInPool(frame.pool()), &pristine, frame.pool()));
     return LuSVNLocalPath::pathWithString(pristine);
+}
+
+namespace {
+
+std::string describePaths(const std::vector<LuSVNNode::LocalPath>& paths)
+{
+    std::string text = "(";
+    for (const auto& path : paths)
+        text += (text.size() > 1 ? ", " : "") + (path ? path->string() : std::string("(null)"));
+    return text + ")";
+}
+
+std::string firstPath(const std::vector<LuSVNNode::LocalPath>& paths)
+{
+    return paths.empty() || !paths.front() ? std::string() : paths.front()->string();
+}
+
+}  // namespace
+
+std::vector<std::int32_t> LuSVNNode::updateNodes(const std::vector<LocalPath>& nodePaths, const Revision& revision,
+                                                 const LuSVNUpdateOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(revision != nullptr, "revision != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "updateNodes:toRevision:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+                {"revision", revision->description()}, {"options", options.description()},
+                {"context", context->description()});
+    LuSVNCheckDepth(options.depth());
+    const bool newer = LuSVNHasDepthForms(*context);
+    const auto version = context->bundleVersion();
+    // From 1.7 on Subversion announces each target's update itself.
+    const std::optional<std::int32_t> started =
+        version && version->isGreaterThanOrEqualTo(LuSVNVersion::version1_7())
+            ? std::nullopt
+            : std::optional<std::int32_t>(LuSVNNotifyActionLegacyUpdateStarted);
+    return LuSVNRunNotified(*context, started, LuSVNNotifyActionUpdateSucceeded, LuSVNNotifyActionUpdateFailed,
+                            firstPath(nodePaths), [&] {
+        LuSVNBackendFrame frame(context->bundle());
+        apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
+        const svn_opt_revision_t svnRevision = revision->keyRevision()->SVNRevision();
+        apr_array_header_t* results = nullptr;
+        if (newer)
+            context->throwIfError(LuSVNEntry<73>()(&results, paths, &svnRevision, static_cast<svn_depth_t>(options.depth()),
+                                                   options.depthIsSticky(), !options.processExternals(),
+                                                   options.allowUnversionedObstructions(), context->ctx(),
+                                                   frame.pool()));
+        else
+            context->throwIfError(LuSVNEntry<72>()(&results, paths, &svnRevision,
+                                                   LuSVNRecursionForDepth(options.depth()),
+                                                   !options.processExternals(), context->ctx(), frame.pool()));
+        const int found = results ? results->nelts : 0;
+        if (found != static_cast<int>(nodePaths.size()))
+            throw LuSVNInternalInconsistencyException("Expected resultant revision array with length of " +
+                                                      std::to_string(nodePaths.size()) + ", found " +
+                                                      std::to_string(found));
+        std::vector<std::int32_t> revisions;
+        for (int index = 0; index < found; ++index) {
+            const svn_revnum_t number = reinterpret_cast<const svn_revnum_t*>(results->elts)[index];
+            if (number < 0)
+                throw LuSVNException("Invalid revision");
+            revisions.push_back(static_cast<std::int32_t>(number));
+        }
+        return revisions;
+    });
+}
+
+std::int32_t LuSVNNode::switchNodeAtPath(const LocalPath& path, const URLPath& toURL,
+                                         const LuSVNSwitchOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(toURL != nullptr, "toURL != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "switchNodeAtPath:toURL:withOptions:withContext", {"path", path->string()},
+                {"toURL", toURL->string()}, {"options", options.description()},
+                {"context", context->description()});
+    LuSVNCheckDepth(options.depth());
+    const bool newer = LuSVNHasDepthForms(*context);
+    return LuSVNRunNotified(*context, LuSVNNotifyActionSwitchStarted, LuSVNNotifyActionSwitchSucceeded,
+                            LuSVNNotifyActionSwitchFailed, path->string(), [&] {
+        LuSVNBackendFrame frame(context->bundle());
+        const svn_opt_revision_t peg = options.revision()->pegRevision()->SVNRevision();
+        const svn_opt_revision_t operative = options.revision()->keyRevision()->SVNRevision();
+        svn_revnum_t result = -1;
+        if (newer)
+            context->throwIfError(LuSVNEntry<124>()(&result, path->SVNRepresentationInPool(frame.pool()),
+                                                    toURL->SVNRepresentationInPool(frame.pool()), &peg, &operative,
+                                                    static_cast<svn_depth_t>(options.depth()),
+                                                    options.depthIsSticky(), !options.processExternals(),
+                                                    options.allowUnversionedObstructions(), context->ctx(),
+                                                    frame.pool()));
+        else
+            context->throwIfError(LuSVNEntry<123>()(&result, path->SVNRepresentationInPool(frame.pool()),
+                                                    toURL->SVNRepresentationInPool(frame.pool()), &operative,
+                                                    LuSVNRecursionForDepth(options.depth()), context->ctx(),
+                                                    frame.pool()));
+        if (result < 0)
+            throw LuSVNException("Invalid revision");
+        return static_cast<std::int32_t>(result);
+    });
+}
+
+std::int32_t LuSVNNode::commitChangesToNodes(const std::vector<LocalPath>& nodePaths,
+                                             const LuSVNCommitOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "commitChangesToNodes:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+                {"options", options.description()}, {"context", context->description()});
+    LuSVNCheckDepth(options.depth());
+    const bool newer = LuSVNHasDepthForms(*context);
+    return LuSVNRunNotified(*context, LuSVNNotifyActionCommitStarted, LuSVNNotifyActionCommitSucceeded,
+                            LuSVNNotifyActionCommitFailed, firstPath(nodePaths), [&] {
+        LuSVNBackendFrame frame(context->bundle());
+        apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
+        svn_commit_info_t* info = nullptr;
+        if (newer)
+            context->throwIfError(LuSVNEntry<45>()(&info, paths, static_cast<svn_depth_t>(options.depth()),
+                                                   !options.releaseLocks(), false, nullptr, nullptr, context->ctx(),
+                                                   frame.pool()));
+        else
+            context->throwIfError(LuSVNEntry<44>()(&info, paths, LuSVNRecursionForDepth(options.depth()),
+                                                   !options.releaseLocks(), context->ctx(), frame.pool()));
+        // Nothing to commit, or no log message: Subversion commits nothing.
+        return info && info->revision >= 0 ? static_cast<std::int32_t>(info->revision) : LuSVNInvalidRevision;
+    });
+}
+
+void LuSVNNode::add(const LocalPath& path, const LuSVNAddOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "add:withOptions:withContext", {"path", path->string()},
+                {"options", options.description()}, {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    context->beginProgress();
+    context->throwIfError(LuSVNEntry<39>()(path->SVNRepresentationInPool(frame.pool()), options.recursive(),
+                                           options.force(), !options.matchIgnorePatterns(), context->ctx(),
+                                           frame.pool()));
+}
+
+void LuSVNNode::add(const LocalPath& path, const Context& context)
+{
+    add(path, LuSVNAddOptions::defaults(), context);
+}
+
+void LuSVNNode::revertNodes(const std::vector<LocalPath>& nodePaths, const LuSVNRevertOptions& options,
+                            const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "revertNodes:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+                {"options", options.description()}, {"context", context->description()});
+    LuSVNCheckDepth(options.depth());
+    const bool newer = LuSVNHasDepthForms(*context);
+    LuSVNBackendFrame frame(context->bundle());
+    apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
+    context->beginProgress();
+    if (newer)
+        context->throwIfError(LuSVNEntry<67>()(paths, static_cast<svn_depth_t>(options.depth()), nullptr,
+                                               context->ctx(), frame.pool()));
+    else
+        context->throwIfError(LuSVNEntry<66>()(paths, LuSVNRecursionForDepth(options.depth()), context->ctx(),
+                                               frame.pool()));
+}
+
+void LuSVNNode::resolveNodeAtPath(const LocalPath& path, const LuSVNResolveOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "resolveNodeAtPath:withOptions:withContext", {"path", path->string()},
+                {"options", options.description()}, {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    context->beginProgress();
+    const char* target = path->SVNRepresentationInPool(frame.pool());
+    if (options.conflictChoice() == LuSVNConflictChoiceMerged)
+        context->throwIfError(LuSVNEntry<65>()(target, options.recursive(), context->ctx(), frame.pool()));
+    else
+        context->throwIfError(LuSVNEntry<2>()(target, options.recursive() ? svn_depth_infinity : svn_depth_empty,
+                                              static_cast<svn_wc_conflict_choice_t>(options.conflictChoice()),
+                                              context->ctx(), frame.pool()));
+}
+
+void LuSVNNode::relocateNodeAtPath(const LocalPath& path, const std::string& fromPrefix, const std::string& toPrefix,
+                                   bool recursive, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "relocateNodeAtPath:fromPrefix:toPrefix:recursive:withContext",
+                {"path", path->string()}, {"fromPrefix", fromPrefix}, {"toPrefix", toPrefix},
+                {"recursive", recursive ? "YES" : "NO"}, {"context", context->description()});
+    LuSVNRunNotified(*context, LuSVNNotifyActionRelocateStarted, LuSVNNotifyActionRelocateSucceeded,
+                     LuSVNNotifyActionRelocateFailed, path->string(), [&] {
+        LuSVNBackendFrame frame(context->bundle());
+        context->throwIfError(LuSVNEntry<125>()(path->SVNRepresentationInPool(frame.pool()), fromPrefix.c_str(),
+                                                toPrefix.c_str(), recursive, context->ctx(), frame.pool()));
+    });
+}
+
+void LuSVNNode::addNodesToChangelist(const std::vector<LocalPath>& nodePaths, const std::string& changelist,
+                                     LuSVNDepth depth, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "addNodesToChangelist:changelist:depth:withContext",
+                {"nodePaths", describePaths(nodePaths)}, {"changelist", changelist},
+                {"depth", std::to_string(depth)}, {"context", context->description()});
+    LuSVNCheckDepth(depth);
+    LuSVNBackendFrame frame(context->bundle());
+    apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
+    context->beginProgress();
+    context->throwIfError(LuSVNEntry<0>()(paths, changelist.c_str(), static_cast<svn_depth_t>(depth), nullptr,
+                                          context->ctx(), frame.pool()));
+}
+
+void LuSVNNode::removeNodesFromChangelists(const std::vector<LocalPath>& nodePaths, LuSVNDepth depth,
+                                           const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNNode", "removeNodesFromChangelists:depth:withContext", {"nodePaths", describePaths(nodePaths)},
+                {"depth", std::to_string(depth)}, {"context", context->description()});
+    LuSVNCheckDepth(depth);
+    LuSVNBackendFrame frame(context->bundle());
+    apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
+    context->beginProgress();
+    context->throwIfError(LuSVNEntry<1>()(paths, static_cast<svn_depth_t>(depth), nullptr, context->ctx(),
+                                          frame.pool()));
 }

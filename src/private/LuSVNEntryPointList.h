@@ -3,10 +3,15 @@
 //
 // X(slot, function, major, minor): the Subversion or APR function of the slot
 // and the release that introduced it (0, 0 for APR and the oldest Subversion
-// API). Slots 0, 1, 2, 10, 74 and 101 are unused and not listed.
+// API). Slots 10, 74 and 101 are unused and not listed. Slots 0 to 2 were
+// spare too and took the changelist and conflict-choice functions, which the
+// table lacked.
 #pragma once
 
 #define LUSVN_ENTRY_POINT_LIST(X)                                                   \
+    X(0, svn_client_add_to_changelist, 1, 5)                                        \
+    X(1, svn_client_remove_from_changelists, 1, 5)                                  \
+    X(2, svn_client_resolve, 1, 5)                                                  \
     X(3, apr_palloc, 0, 0)                                                          \
     X(4, apr_pstrdup, 0, 0)                                                         \
     X(5, apr_pool_cleanup_register, 0, 0)                                           \
