@@ -38,13 +38,18 @@ void printWarning(int code, const std::string& message)
 
 void throwUsageError(const std::string& command, int code, const std::string& message)
 {
-    LuSVNErrorDictionary cause;
-    cause.message = message;
-    cause.status = code;
-    const std::string reason = "Try 'tessera help " + command + "' for more information";
-    LuSVNErrorDictionary info;
-    info.message = reason;
-    info.status = code;
-    info.cause = std::make_shared<LuSVNErrorDictionary>(std::move(cause));
-    throw LuSVNException(reason, std::move(info));
+    throwErrorChain({{code, "Try 'tessera help " + command + "' for more information"}, {code, message}});
+}
+
+void throwErrorChain(const std::vector<std::pair<int, std::string>>& links)
+{
+    std::shared_ptr<LuSVNErrorDictionary> next;
+    for (auto link = links.rbegin(); link != links.rend(); ++link) {
+        auto dictionary = std::make_shared<LuSVNErrorDictionary>();
+        dictionary->status = link->first;
+        dictionary->message = link->second;
+        dictionary->cause = std::move(next);
+        next = std::move(dictionary);
+    }
+    throw LuSVNException(*next->message, *next);
 }

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 class LuSVNException;
 
@@ -25,3 +27,7 @@ void printWarning(int code, const std::string& message);
 ///   tessera: E205001: Try 'tessera help wc' for more information
 ///   tessera: E205001: Not enough arguments provided
 [[noreturn]] void throwUsageError(const std::string& command, int code, const std::string& message);
+
+/// Raises the chain of errors given outermost first, as svn prints an
+/// error it wrapped: one line each, in that order.
+[[noreturn]] void throwErrorChain(const std::vector<std::pair<int, std::string>>& links);

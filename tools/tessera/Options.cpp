@@ -15,6 +15,7 @@
 #include <fstream>
 #include <regex>
 #include <sstream>
+#include <unistd.h>
 
 #include "Messages.h"
 
@@ -133,6 +134,35 @@ CLI::Option* addDepthOption(CLI::App& command, std::function<void(const std::str
         "limit operation by depth ARG ('empty', 'files',\n'immediates', or 'infinity')");
 }
 
+CLI::Option* addSetDepthOption(CLI::App& command, std::function<void(const std::string&)> store)
+{
+    return addOption(
+        command, "--set-depth",
+        [store = std::move(store)](const std::string& word) {
+            if (word != "exclude" && word != "empty" && word != "files" && word != "immediates" && word != "infinity")
+                LuSVNException::exceptionWithReason("'" + word +
+                                                        "' is not a valid depth; try 'exclude', 'empty', 'files', "
+                                                        "'immediates', or 'infinity'",
+                                                    TesseraArgumentParsingError)
+                    ->raise();
+            store(word);
+        },
+        "set new working copy depth to ARG ('exclude',\n'empty', 'files', 'immediates', or 'infinity')");
+}
+
+LuSVNDepth depthForWord(const std::string& word)
+{
+    if (word == "exclude")
+        return LuSVNDepthExclude;
+    if (word == "empty")
+        return LuSVNDepthEmpty;
+    if (word == "files")
+        return LuSVNDepthFiles;
+    if (word == "immediates")
+        return LuSVNDepthImmediates;
+    return word == "infinity" ? LuSVNDepthInfinity : LuSVNDepthUnknown;
+}
+
 CLI::Option* addConfigDirOption(CLI::App& command, std::optional<std::string>& directory)
 {
     return addOption(
@@ -150,6 +180,11 @@ CLI::Option* addConfigDirOption(CLI::App& command, std::optional<std::string>& d
                },
                "read user configuration files from directory ARG")
         ->group(TesseraGlobalOptions);
+}
+
+bool TesseraGlobalSettings::interactive() const
+{
+    return !nonInteractive && (forceInteractive || isatty(STDIN_FILENO));
 }
 
 TesseraGlobalSettings& tesseraGlobalSettings()
@@ -172,6 +207,9 @@ void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings)
         ->group(TesseraGlobalOptions);
     addFlag(command, "--non-interactive", settings.nonInteractive,
             "do no interactive prompting (default is to prompt\nonly if standard input is a terminal device)")
+        ->group(TesseraGlobalOptions);
+    addFlag(command, "--force-interactive", settings.forceInteractive,
+            "do interactive prompting even if standard input\nis not a terminal device")
         ->group(TesseraGlobalOptions);
     addConfigDirOption(command, settings.configDir);
 }

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include <tessera/LuSVNOptions.h>
+
 class LuSVNRevisionSpec;
 
 namespace CLI {
@@ -51,6 +53,13 @@ void checkArgumentCount(const CLI::App& command, const std::vector<std::string>&
 /// svn's error E205000 "'<word>' is not a valid depth; try ...".
 CLI::Option* addDepthOption(CLI::App& command, std::function<void(const std::string&)> store);
 
+/// --set-depth ARG: svn's depth words and "exclude", handed to store;
+/// another word is svn's error E205000.
+CLI::Option* addSetDepthOption(CLI::App& command, std::function<void(const std::string&)> store);
+
+/// The library's depth for one of svn's depth words (or "exclude").
+LuSVNDepth depthForWord(const std::string& word);
+
 /// --config-dir ARG, a global option. A path naming something other than a
 /// directory gets svn's warning W000020, and the command goes on without it
 /// (with the user's own configuration area).
@@ -64,6 +73,11 @@ struct TesseraGlobalSettings {
     std::optional<std::string> password;
     bool noAuthCache = false;
     bool nonInteractive = false;
+    bool forceInteractive = false;
+
+    /// Whether to prompt: as svn, only when standard input is a terminal,
+    /// unless told otherwise.
+    bool interactive() const;
 };
 
 /// The settings of this run.
