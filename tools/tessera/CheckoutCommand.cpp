@@ -55,7 +55,7 @@ int checkout(const CLI::App& command, const Settings& settings)
     }
     for (const std::string& url : urls)
         if (!isURL(url))
-            LuSVNException::exceptionWithReason("'" + url + "' does not appear to be a URL", 170000)->raise();
+            LuSVNException::exceptionWithReason("'" + url + "' does not appear to be a URL", 125002)->raise();
 
     LuSVNCheckOutOptions options;
     if (settings.depth)

@@ -51,10 +51,6 @@ std::string baseDirectory(const std::vector<std::string>& targets)
 
 int commit(const Settings& settings)
 {
-    if (settings.message && settings.messageFile)
-        LuSVNException::exceptionWithReason("--message (-m) and --file (-F) are mutually exclusive",
-                                            TesseraArgumentParsingError)
-            ->raise();
     const auto targets = localTargets(settings.arguments, settings.targetsFile, true);
     std::optional<std::string> message = settings.message;
     if (settings.messageFile) {
@@ -83,7 +79,21 @@ int commit(const Settings& settings)
         message, settings.editorCommand, baseDirectory(targets),
         !tesseraGlobalSettings().interactive()});
     operation.context()->setLogMessageProvider(provider);
-    const std::int32_t revision = LuSVNNode::commitChangesToNodes(paths, options, operation.context());
+    std::int32_t revision = LuSVNInvalidRevision;
+    try {
+        revision = LuSVNNode::commitChangesToNodes(paths, options, operation.context());
+    } catch (const LuSVNException& failure) {
+        // svn's words around a failed commit: what failed in finding the
+        // message is the commit's failure, and the user's text is kept.
+        auto links = errorLinks(failure);
+        if (provider->failed())
+            links.insert(links.begin(), {links.front().first, "Commit failed (details follow):"});
+        if (provider->leftFile()) {
+            links.emplace_back(links.front().first, "Your commit message was left in a temporary file:");
+            links.emplace_back(links.front().first, "   '" + *provider->leftFile() + "'");
+        }
+        throwErrorChain(links);
+    }
     provider->removeLeftFile();
     operation.finishProgress();
     if (revision != LuSVNInvalidRevision && !settings.quiet)
@@ -120,6 +130,13 @@ const TesseraCommand commitCommand(
             command, "--editor-cmd", [settings](const std::string& editor) { settings->editorCommand = editor; },
             "use ARG as external editor");
         addArguments(command, settings->arguments);
+        // svn refuses the pair while reading the options.
+        command.final_callback([settings] {
+            if (settings->message && settings->messageFile)
+                LuSVNException::exceptionWithReason("--message (-m) and --file (-F) are mutually exclusive",
+                                                    TesseraArgumentParsingError)
+                    ->raise();
+        });
         return [settings] { return commit(*settings); };
     });
 

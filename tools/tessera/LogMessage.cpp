@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 
 #include "Messages.h"
@@ -19,6 +20,7 @@ namespace {
 constexpr int NoExternalEditor = 205007;
 constexpr int InsufficientArguments = 205001;
 constexpr int ExternalProgram = 200012;
+constexpr int EndOfFile = 70014;
 
 std::optional<std::string> environment(const char* name)
 {
@@ -90,6 +92,17 @@ std::string TesseraLogMessageProvider::editorTemplate(const std::vector<LuSVNCom
 bool TesseraLogMessageProvider::contextPromptForLogMessage(LuSVNContext& context, std::optional<std::string>& message,
                                                            const std::vector<LuSVNCommitItem>& items)
 {
+    try {
+        return promptForMessage(context, message, items);
+    } catch (...) {
+        failed_ = true;
+        throw;
+    }
+}
+
+bool TesseraLogMessageProvider::promptForMessage(LuSVNContext& context, std::optional<std::string>& message,
+                                                 const std::vector<LuSVNCommitItem>& items)
+{
     if (settings_.message) {
         message = withoutTemplate(*settings_.message);
         return true;
@@ -115,7 +128,7 @@ bool TesseraLogMessageProvider::contextPromptForLogMessage(LuSVNContext& context
         std::fputs("\nLog message unchanged or not specified\n(a)bort, (c)ontinue, (e)dit:\n", stderr);
         std::string reply;
         if (!std::getline(std::cin, reply))
-            reply = "a";
+            throwErrorChain({{EndOfFile, "End of file while reading from terminal"}});
         const char letter = static_cast<char>(std::tolower(static_cast<unsigned char>(reply.empty() ? ' ' : reply[0])));
         if (letter == 'a' || letter == 'c') {
             removeLeftFile();

@@ -36,6 +36,9 @@ public:
     const std::optional<std::string>& leftFile() const { return leftFile_; }
     void removeLeftFile();
 
+    /// Whether finding the message failed (svn then says the commit did).
+    bool failed() const { return failed_; }
+
     /// svn's template for the items: a blank line, the end line, a blank
     /// line, then one line per item ("M    a/b", "A  + c", "D    d").
     static std::string editorTemplate(const std::vector<LuSVNCommitItem>& items, const std::string& baseDirectory);
@@ -44,8 +47,11 @@ public:
     static std::string withoutTemplate(const std::string& text);
 
 private:
+    bool promptForMessage(LuSVNContext& context, std::optional<std::string>& message,
+                          const std::vector<LuSVNCommitItem>& items);
     std::optional<std::string> editMessage(LuSVNContext& context, const std::string& contents);
 
     Settings settings_;
     std::optional<std::string> leftFile_;
+    bool failed_ = false;
 };

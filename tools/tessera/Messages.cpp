@@ -23,11 +23,18 @@ void printError(const LuSVNException& failure)
         if (printed.emplace(code, message).second)
             printLine("E", static_cast<int>(code), message);
     };
-    print(failure.status(), failure.reason());
-    if (!failure.userInfo())
-        return;
-    for (auto cause = failure.userInfo()->cause; cause; cause = cause->cause)
-        print(cause->status.value_or(LuSVNGenericErrorStatus), cause->message.value_or(""));
+    for (const auto& [code, message] : errorLinks(failure))
+        print(code, message);
+}
+
+std::vector<std::pair<int, std::string>> errorLinks(const LuSVNException& failure)
+{
+    std::vector<std::pair<int, std::string>> links{{static_cast<int>(failure.status()), failure.reason()}};
+    if (failure.userInfo())
+        for (auto cause = failure.userInfo()->cause; cause; cause = cause->cause)
+            links.emplace_back(static_cast<int>(cause->status.value_or(LuSVNGenericErrorStatus)),
+                               cause->message.value_or(""));
+    return links;
 }
 
 void printWarning(int code, const std::string& message)

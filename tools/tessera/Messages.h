@@ -20,6 +20,9 @@ inline constexpr int TesseraInsufficientArgumentsError = 205001;
 /// "Additional errors:" gets its code's standard text every time) shows once.
 void printError(const LuSVNException& failure);
 
+/// The failure and each cause of it as code and message, outermost first.
+std::vector<std::pair<int, std::string>> errorLinks(const LuSVNException& failure);
+
 /// "tessera: warning: W<code>: <message>".
 void printWarning(int code, const std::string& message);
 

@@ -182,9 +182,16 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     case LuSVNNotifyActionFailedRevert:
         print("Failed to revert '" + path + "' -- try updating instead.\n");
         break;
-    case LuSVNNotifyActionResolved:
-        print("Resolved conflicted state of '" + path + "'\n");
+    case LuSVNNotifyActionResolved: {
+        const auto kind = conflictKinds_.find(n.path().value_or(""));
+        if (kind == conflictKinds_.end())
+            print("Resolved conflicted state of '" + path + "'\n");
+        else if (kind->second == ConflictKind::Text)
+            print("Merge conflicts in '" + path + "' marked as resolved.\n");
+        else
+            print("Tree conflict at '" + path + "' marked as resolved.\n");
         break;
+    }
     case ResolvedText:
         print("Merge conflicts in '" + path + "' marked as resolved.\n");
         break;

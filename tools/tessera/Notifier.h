@@ -40,6 +40,11 @@ public:
     /// path), which the notifications themselves do not carry.
     void setChangelists(std::optional<std::string> newChangelist, std::map<std::string, std::string> former);
 
+    /// What a resolved conflict was, by absolute path: svn resolve names
+    /// text and tree conflicts in its own words.
+    enum class ConflictKind { Text, Tree };
+    void setConflictKinds(std::map<std::string, ConflictKind> kinds) { conflictKinds_ = std::move(kinds); }
+
     /// Called before each line is printed, so that a progress line on the
     /// same terminal can be taken away first.
     void setBeforePrinting(std::function<void()> beforePrinting) { beforePrinting_ = std::move(beforePrinting); }
@@ -70,5 +75,6 @@ private:
     int skippedPaths_ = 0;
     std::optional<std::string> newChangelist_;
     std::map<std::string, std::string> formerChangelists_;
+    std::map<std::string, ConflictKind> conflictKinds_;
     std::function<void()> beforePrinting_;
 };

@@ -87,6 +87,14 @@ std::vector<std::string> parserArguments(const CLI::App& program, int argc, char
             arguments.push_back(std::move(argument));
         }
     }
+    // svn reads options anywhere: those before the command's name are the
+    // command's too.
+    std::size_t name = 0;
+    while (name < arguments.size() && arguments[name].size() > 1 && arguments[name][0] == '-' && arguments[name] != "--")
+        name += takesNextWord(program, arguments[name]) ? 2 : 1;
+    if (name > 0 && name < arguments.size() && arguments[name] != "--")
+        std::rotate(arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(name),
+                    arguments.begin() + static_cast<std::ptrdiff_t>(name) + 1);
     std::reverse(arguments.begin(), arguments.end());
     return arguments;
 }

@@ -28,7 +28,8 @@ class Option;
 /// would take the next argument for it; for a flag it is refused
 /// (CLI::ArgumentMismatch), as the parser refuses "--verbose=x". The word
 /// after an option that takes a value is that value even when it starts
-/// with "-" (-m "-x"), as in svn.
+/// with "-" (-m "-x"), as in svn. Options before the command's name are
+/// moved behind it: svn takes any option there.
 std::vector<std::string> parserArguments(const CLI::App& program, int argc, char** argv);
 
 /// The group of options that every command of svn takes ("Global options").
@@ -83,9 +84,7 @@ struct TesseraGlobalSettings {
 /// The settings of this run.
 TesseraGlobalSettings& tesseraGlobalSettings();
 
-/// Declares the global options (group TesseraGlobalOptions) on the program
-/// and on each command, so that they are taken before and after the
-/// command's name.
+/// Declares the global options (group TesseraGlobalOptions) on a command.
 void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings);
 
 /// svn's revision argument: a number (any "r" before it is skipped), HEAD,

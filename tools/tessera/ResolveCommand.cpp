@@ -4,6 +4,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <filesystem>
+#include <map>
 #include <memory>
 
 #include "Command.h"
@@ -39,6 +41,31 @@ std::optional<LuSVNConflictChoice> choiceNamed(const std::string& word)
     return std::nullopt;
 }
 
+// The kind of conflict of each conflicted item at and below the paths.
+std::map<std::string, TesseraNotifier::ConflictKind> conflictKinds(const std::vector<LuSVNNode::LocalPath>& paths,
+                                                                   bool recursive,
+                                                                   const std::shared_ptr<LuSVNContext>& context)
+{
+    std::map<std::string, TesseraNotifier::ConflictKind> kinds;
+    const auto keep = [&kinds](const std::shared_ptr<LuSVNNode>& node) {
+        if (!node || !node->status())
+            return;
+        if (node->status()->textStatus() == LuSVNStatusConflicted)
+            kinds[node->path()->string()] = TesseraNotifier::ConflictKind::Text;
+        else if (node->status()->treeConflict())
+            kinds[node->path()->string()] = TesseraNotifier::ConflictKind::Tree;
+    };
+    LuSVNStatusOptions options;
+    for (const auto& path : paths) {
+        std::error_code error;
+        if (recursive && std::filesystem::is_directory(path->string(), error))
+            LuSVNDirectory::reportStatusForNodesInDirectoryAtPath(path, options, keep, nullptr, nullptr, context);
+        else
+            keep(LuSVNNode::nodeWithStatusAtPath(path, options, context));
+    }
+    return kinds;
+}
+
 int resolve(const CLI::App& command, const Settings& settings)
 {
     const auto targets = localTargets(settings.arguments, settings.targetsFile, false);
@@ -49,9 +76,16 @@ int resolve(const CLI::App& command, const Settings& settings)
     LuSVNResolveOptions options;
     options.setConflictChoice(*settings.choice);
     options.setRecursive(settings.recursive || settings.depth.value_or("empty") == "infinity");
-    TesseraOperation operation(targets.front(), {settings.quiet, false});
+    std::vector<LuSVNNode::LocalPath> paths;
     for (const std::string& target : targets)
-        LuSVNNode::resolveNodeAtPath(targetPath(splitPegRevision(target).first), options, operation.context());
+        paths.push_back(targetPath(splitPegRevision(target).first));
+    TesseraOperation operation(targets.front(), {settings.quiet, false});
+    if (operation.notifier()) {
+        TesseraOperation walk(targets.front(), {true, false});
+        operation.notifier()->setConflictKinds(conflictKinds(paths, options.recursive(), walk.context()));
+    }
+    for (const auto& path : paths)
+        LuSVNNode::resolveNodeAtPath(path, options, operation.context());
     return 0;
 }
 
@@ -73,10 +107,12 @@ const TesseraCommand resolveCommand(
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
         addOption(
             command, "--accept",
-            [settings, &command](const std::string& word) {
+            [settings](const std::string& word) {
                 settings->choice = choiceNamed(word);
                 if (!settings->choice)
-                    throwUsageError(command.get_name(), TesseraArgumentParsingError, "invalid 'accept' ARG");
+                    LuSVNException::exceptionWithReason("'" + word + "' is not a valid --accept value",
+                                                        TesseraArgumentParsingError)
+                        ->raise();
             },
             "specify automatic conflict resolution source\n"
             "('base', 'working', 'mine-conflict',\n"

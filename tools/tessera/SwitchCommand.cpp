@@ -29,7 +29,7 @@ int switchWorkingCopy(const CLI::App& command, const Settings& settings)
     checkArgumentCount(command, settings.arguments, 1, 2);
     const auto [url, peg] = splitPegRevision(settings.arguments.front());
     if (!isURL(url))
-        LuSVNException::exceptionWithReason("'" + url + "' does not appear to be a URL", 170000)->raise();
+        LuSVNException::exceptionWithReason("'" + url + "' does not appear to be a URL", 125002)->raise();
     const std::string target = settings.arguments.size() > 1 ? settings.arguments[1] : ".";
     localTargets({target}, std::nullopt, false);
 
