@@ -402,7 +402,10 @@ public:
     /// Started/Succeeded/Failed notifications.
     static std::int32_t commitChangesToNodes(const std::vector<LocalPath>& nodePaths,
                                              const LuSVNCommitOptions& options, const Context& context);
-    /// Schedules the path for addition (svn add).
+    /// Schedules the path for addition (svn add) to the options' depth,
+    /// with the missing parents when addParents is set. Backends before 1.5
+    /// add either everything or the item alone: another depth raises
+    /// "Invalid depth", addParents LuSVNInvalidArgumentException.
     static void add(const LocalPath& path, const LuSVNAddOptions& options, const Context& context);
     /// The same with the default options.
     static void add(const LocalPath& path, const Context& context);

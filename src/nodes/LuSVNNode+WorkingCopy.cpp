@@ -285,17 +285,19 @@ std::int32_t LuSVNNode::commitChangesToNodes(const std::vector<LocalPath>& nodeP
                 {"options", options.description()}, {"context", context->description()});
     LuSVNCheckDepth(options.depth());
     const bool newer = LuSVNHasDepthForms(*context);
+    // Subversion asserts on an unknown commit depth; svn commits everything then.
+    const LuSVNDepth depth = options.depth() == LuSVNDepthUnknown ? LuSVNDepthInfinity : options.depth();
     return LuSVNRunNotified(*context, LuSVNNotifyActionCommitStarted, LuSVNNotifyActionCommitSucceeded,
                             LuSVNNotifyActionCommitFailed, firstPath(nodePaths), [&] {
         LuSVNBackendFrame frame(context->bundle());
         apr_array_header_t* paths = LuSVNPathArray(nodePaths, frame.pool());
         svn_commit_info_t* info = nullptr;
         if (newer)
-            context->throwIfError(LuSVNEntry<45>()(&info, paths, static_cast<svn_depth_t>(options.depth()),
+            context->throwIfError(LuSVNEntry<45>()(&info, paths, static_cast<svn_depth_t>(depth),
                                                    !options.releaseLocks(), false, nullptr, nullptr, context->ctx(),
                                                    frame.pool()));
         else
-            context->throwIfError(LuSVNEntry<44>()(&info, paths, LuSVNRecursionForDepth(options.depth()),
+            context->throwIfError(LuSVNEntry<44>()(&info, paths, LuSVNRecursionForDepth(depth),
                                                    !options.releaseLocks(), context->ctx(), frame.pool()));
         // Nothing to commit, or no log message: Subversion commits nothing.
         return info && info->revision >= 0 ? static_cast<std::int32_t>(info->revision) : LuSVNInvalidRevision;
@@ -308,11 +310,27 @@ void LuSVNNode::add(const LocalPath& path, const LuSVNAddOptions& options, const
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "add:withOptions:withContext", {"path", path->string()},
                 {"options", options.description()}, {"context", context->description()});
+    LuSVNCheckDepth(options.depth());
+    if (options.depth() == LuSVNDepthExclude)
+        throw LuSVNGenericException("Invalid depth");
+    const LuSVNDepth depth = options.depth() != LuSVNDepthUnknown ? options.depth()
+                             : options.recursive()                ? LuSVNDepthInfinity
+                                                                  : LuSVNDepthEmpty;
+    const bool newer = LuSVNHasDepthForms(*context);
+    if (!newer && options.addParents())
+        throw LuSVNInvalidArgumentException("Adding the parents needs a backend of 1.5 or later");
+    if (!newer && depth != LuSVNDepthInfinity && depth != LuSVNDepthEmpty)
+        throw LuSVNGenericException("Invalid depth");
     LuSVNBackendFrame frame(context->bundle());
     context->beginProgress();
-    context->throwIfError(LuSVNEntry<39>()(path->SVNRepresentationInPool(frame.pool()), options.recursive(),
-                                           options.force(), !options.matchIgnorePatterns(), context->ctx(),
-                                           frame.pool()));
+    const char* target = path->SVNRepresentationInPool(frame.pool());
+    if (newer)
+        context->throwIfError(LuSVNEntry<10>()(target, static_cast<svn_depth_t>(depth), options.force(),
+                                               !options.matchIgnorePatterns(), options.addParents(), context->ctx(),
+                                               frame.pool()));
+    else
+        context->throwIfError(LuSVNEntry<39>()(target, depth == LuSVNDepthInfinity, options.force(),
+                                               !options.matchIgnorePatterns(), context->ctx(), frame.pool()));
 }
 
 void LuSVNNode::add(const LocalPath& path, const Context& context)

@@ -3,9 +3,9 @@
 //
 // X(slot, function, major, minor): the Subversion or APR function of the slot
 // and the release that introduced it (0, 0 for APR and the oldest Subversion
-// API). Slots 10, 74 and 101 are unused and not listed. Slots 0 to 2 were
-// spare too and took the changelist and conflict-choice functions, which the
-// table lacked.
+// API). Slots 74 and 101 are unused and not listed. Slots 0 to 2 and 10 were
+// spare too and took the changelist, conflict-choice and depth-aware add
+// functions, which the table lacked.
 #pragma once
 
 #define LUSVN_ENTRY_POINT_LIST(X)                                                   \
@@ -19,6 +19,7 @@
     X(7, apr_file_close, 0, 0)                                                      \
     X(8, apr_file_open, 0, 0)                                                       \
     X(9, apr_file_open_stderr, 0, 0)                                                \
+    X(10, svn_client_add4, 1, 5)                                                    \
     X(11, apr_array_make, 0, 0)                                                     \
     X(12, apr_array_push, 0, 0)                                                     \
     X(13, apr_hash_make, 0, 0)                                                      \

@@ -39,7 +39,7 @@ struct ListedSlot {
 const std::vector<ListedSlot> listedSlots = {LUSVN_ENTRY_POINT_LIST(LUSVN_TEST_LISTED_SLOT)};
 #undef LUSVN_TEST_LISTED_SLOT
 
-const std::set<int> unusedSlots = {10, 74, 101};
+const std::set<int> unusedSlots = {74, 101};
 
 fs::path temporaryRoot;
 

@@ -29,27 +29,7 @@ using tessera_test::TemporaryDirectory;
 
 // Answers the svnserve's password request with the given password and
 // counts how often it was asked.
-class PasswordProvider : public LuSVNAuthenticationProvider {
-public:
-    explicit PasswordProvider(std::string password) : password_(std::move(password)) {}
-
-    const LuSVNCredentialsClass& credentialsClass() const override { return LuSVNSimpleCredentials::classObject(); }
-    std::shared_ptr<LuSVNCredentials> credentialsForRealm(const std::optional<std::string>&, const LuSVNAuthParameters&,
-                                                          std::shared_ptr<void>&) override
-    {
-        ++asked;
-        return LuSVNSimpleCredentials::credentialsWithUsername("alice", password_);
-    }
-    std::shared_ptr<LuSVNAuthenticationProvider> copy() const override
-    {
-        return std::make_shared<PasswordProvider>(password_);
-    }
-
-    std::atomic<int> asked = 0;
-
-private:
-    std::string password_;
-};
+using PasswordProvider = tessera_test::SvnservePasswordProvider;
 
 // The nodes of a walk of the working copy compared against the repository,
 // with the number of items the repository changed.

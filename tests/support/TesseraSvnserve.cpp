@@ -88,14 +88,23 @@ Svnserve::~Svnserve()
     stop();
 }
 
+void Svnserve::kill()
+{
+    if (pid_ <= 0)
+        return;
+    ::kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+    pid_ = -1;
+}
+
 void Svnserve::stop()
 {
     if (pid_ <= 0)
         return;
-    kill(pid_, SIGTERM);
+    ::kill(pid_, SIGTERM);
     for (int i = 0; i < 100 && waitpid(pid_, nullptr, WNOHANG) == 0; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    if (kill(pid_, SIGKILL) == 0)
+    if (::kill(pid_, SIGKILL) == 0)
         waitpid(pid_, nullptr, 0);
     pid_ = -1;
 }
