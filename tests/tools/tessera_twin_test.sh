@@ -42,6 +42,9 @@ twin_step add wc/missing.txt wc/a.txt
 twin_both 'mkdir -p wc/p1/p2 && printf "p\n" > wc/p1/p2/p.txt'
 twin_step add --parents wc/p1/p2/p.txt
 twin_step add -q --no-ignore wc/new/x.o
+twin_both 'mkdir -p wc/deep/inner && printf "1\n" > wc/deep/top.txt && printf "2\n" > wc/deep/inner/low.txt'
+twin_step add --depth files wc/deep
+twin_step add --depth immediates wc/deep/inner
 twin_step commit -m "-edits of every kind" wc
 twin_step commit -m "nothing" wc
 

@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <memory>
 
 #include "Command.h"
@@ -29,54 +28,25 @@ struct Settings {
 constexpr int EntryExists = 150002;
 constexpr int PathNotFound = 155010;
 
-// The unversioned directories between the target and its nearest versioned
-// ancestor, outermost first: what --parents adds on the way.
-std::vector<std::string> unversionedParents(const std::string& target, const std::shared_ptr<LuSVNContext>& context)
-{
-    std::vector<std::string> parents;
-    std::filesystem::path parent = std::filesystem::path(absoluteTargetPath(target)).parent_path();
-    while (parent.has_relative_path()) {
-        try {
-            LuSVNNode::URLForNodeAtPath(LuSVNLocalPath::pathWithString(parent.string()), context);
-            break;
-        } catch (const LuSVNException&) {
-            parents.insert(parents.begin(), parent.string());
-            parent = parent.parent_path();
-        }
-    }
-    return parents;
-}
-
 int add(const CLI::App& command, const Settings& settings)
 {
     const auto targets = localTargets(settings.arguments, settings.targetsFile, false);
     checkArgumentCount(command, targets, 1, static_cast<std::size_t>(-1));
-    const std::string depth = settings.depth.value_or(settings.nonRecursive ? "empty" : "infinity");
-    // Subversion's add here recurses fully or not at all.
-    if (depth == "files" || depth == "immediates")
-        LuSVNException::exceptionWithReason("--depth=" + depth + " is not supported by add; use 'empty' or 'infinity'",
-                                            TesseraArgumentParsingError)
-            ->raise();
     LuSVNAddOptions options;
-    options.setRecursive(depth == "infinity");
+    options.setDepth(settings.depth          ? depthForWord(*settings.depth)
+                     : settings.nonRecursive ? LuSVNDepthEmpty
+                                             : LuSVNDepthInfinity);
     options.setForce(settings.force);
     options.setMatchIgnorePatterns(!settings.noIgnore);
-    LuSVNAddOptions parentOptions = options;
-    parentOptions.setRecursive(false);
-    parentOptions.setForce(true);
+    options.setAddParents(settings.parents);
 
     TesseraOperation operation(targets.front(), {settings.quiet, false});
     TesseraTargetFailures failures(settings.quiet,
                                    {{PathNotFound, "Could not add all targets because some targets don't exist"},
                                     {EntryExists, "Could not add all targets because some targets are already versioned"}});
     for (const std::string& target : targets)
-        failures.attempt([&] {
-            const std::string path = splitPegRevision(target).first;
-            if (settings.parents)
-                for (const std::string& parent : unversionedParents(path, operation.context()))
-                    LuSVNNode::add(LuSVNLocalPath::pathWithString(parent), parentOptions, operation.context());
-            LuSVNNode::add(targetPath(path), options, operation.context());
-        });
+        failures.attempt(
+            [&] { LuSVNNode::add(targetPath(splitPegRevision(target).first), options, operation.context()); });
     failures.raiseIfAny();
     return 0;
 }
