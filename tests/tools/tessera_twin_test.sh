@@ -5,6 +5,7 @@
 # changelists, clean-up after an interrupted operation, sparse depths.
 # usage: tessera_twin_test.sh TESSERA SVN SVNADMIN
 set -eu
+# shellcheck source=tests/tools/twin.sh
 . "$(dirname "$0")/twin.sh"
 twin_start "$1" "$2" "$3"
 
@@ -53,7 +54,7 @@ twin_step update wc2
 twin_step up -r 2 wc
 twin_step update wc
 twin_step update -r PREV wc/a.txt
-twin_step update -r {2000-01-01} wc-old
+twin_step update -r '{2000-01-01}' wc-old
 twin_step update wc-old wc2
 twin_step update --set-depth files wc-sparse
 twin_step update --set-depth infinity wc-sparse/dir

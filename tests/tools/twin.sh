@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # Differential runs of tessera against svn, sourced by the test scripts.
 #
 # One repository is made and twinned (svnadmin dump | svnadmin load), each
@@ -52,6 +53,7 @@ twin_twin() {
 # does not make: deletes, copies, properties, edits).
 twin_both() {
   for side in svn tessera; do
+    # shellcheck disable=SC2097,SC2098 # each side gets its own values
     (cd "$work/$side" && svn="$twin_svn" url="file://$work/$side/repo" side="$side" sh -c "$1") ||
       twin_fail "both sides: $1 ($side)"
   done
