@@ -60,6 +60,7 @@ twin_step update --set-depth files wc-sparse
 twin_step update --set-depth infinity wc-sparse/dir
 twin_step update --depth empty wc
 twin_step update -r 1:2 wc
+twin_step update --depth files --set-depth empty wc
 twin_step update wc/not-there
 
 # A text conflict for each choice of resolve, and one left for resolved.

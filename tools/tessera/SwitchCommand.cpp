@@ -83,6 +83,12 @@ const TesseraCommand switchCommand(
         addFlag(command, "--force", settings->force, "handle unversioned obstructions as changes");
         addFlag(command, "--ignore-externals", settings->ignoreExternals, "ignore externals definitions");
         addArguments(command, settings->arguments);
+        command.final_callback([settings] {
+            if (settings->depth && settings->setDepth)
+                LuSVNException::exceptionWithReason("--depth and --set-depth are mutually exclusive",
+                                                    TesseraArgumentParsingError)
+                    ->raise();
+        });
         return [&command, settings] { return switchWorkingCopy(command, *settings); };
     });
 

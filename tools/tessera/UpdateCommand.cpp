@@ -103,6 +103,12 @@ const TesseraCommand updateCommand(
             command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
             "pass contents of file ARG as additional args");
         addArguments(command, settings->arguments);
+        command.final_callback([settings] {
+            if (settings->depth && settings->setDepth)
+                LuSVNException::exceptionWithReason("--depth and --set-depth are mutually exclusive",
+                                                    TesseraArgumentParsingError)
+                    ->raise();
+        });
         return [settings] { return update(*settings); };
     });
 
