@@ -5,7 +5,7 @@
 // stack (see LuSVNBundleStack.h). The slot numbers are a fixed contract
 // between the library and all its backends: a slot keeps its number and its
 // signature in every backend. A null slot means that the backend's release
-// lacks the function; slots 0, 1, 2, 10, 74 and 101 are unused.
+// lacks the function; slots 74 and 101 are unused.
 //
 // The signature of every slot is the one of the Subversion or APR function
 // that the slot is named after, in the release that introduced it; the

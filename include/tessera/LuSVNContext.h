@@ -15,6 +15,8 @@
 //  - the log message of a commit comes from the log-message provider
 //    (LuSVNLogMessageProvider.h): without provider a commit gets an empty
 //    message;
+//  - the progress handler hears the bytes moved and the items done
+//    (LuSVNProgress);
 //  - between steps, the delegate is asked whether to go on
 //    (LuSVNContextDelegate::contextQueryContinue); answering false cancels
 //    the operation with LuSVNOperationCancelledException.

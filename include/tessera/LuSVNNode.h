@@ -383,9 +383,10 @@ public:
     // or context.
 
     /// Updates the paths to the revision; one result revision per path, in
-    /// the order of the paths. Sends LuSVNNotifyActionUpdateStarted (before
-    /// 1.7 LuSVNNotifyActionLegacyUpdateStarted), then ...Succeeded or
-    /// ...Failed. A backend answering another number of revisions raises
+    /// the order of the paths. From 1.7 on Subversion announces each path
+    /// (LuSVNNotifyActionUpdateStarted); before, the update sends
+    /// LuSVNNotifyActionLegacyUpdateStarted. Then LuSVNNotifyActionUpdateSucceeded
+    /// or ...Failed. A backend answering another number of revisions raises
     /// "Expected resultant revision array with length of N, found M".
     static std::vector<std::int32_t> updateNodes(const std::vector<LocalPath>& nodePaths, const Revision& revision,
                                                  const LuSVNUpdateOptions& options, const Context& context);

@@ -16,6 +16,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <cstring>
+#include <functional>
 #include <random>
 
 #include "OperationsTestSupport.h"
@@ -26,47 +28,64 @@ using tessera_test::svn;
 
 namespace {
 
-constexpr int fileCount = 12;
-constexpr std::size_t fileSize = 512 * 1024;
+constexpr int fileCount = 8;
+constexpr std::size_t fileSize = 16 * 1024;
+constexpr std::size_t largeFileSize = 2 * 1024 * 1024;
 
-// Incompressible files, so that the server is still sending (or the client
-// still writing) when it is killed: more than the loopback buffers hold.
-void writeLargeFiles(const std::string& directory, const std::string& prefix)
+// Incompressible files.
+void writeRandomFiles(const std::string& directory, const std::string& prefix, int count, std::size_t size)
 {
     std::filesystem::create_directories(directory);
-    std::mt19937 random(42);
-    for (int index = 0; index < fileCount; ++index) {
+    std::mt19937_64 random(42);
+    for (int index = 0; index < count; ++index) {
         std::ofstream out(directory + "/" + prefix + std::to_string(index), std::ios::binary);
-        std::string data(fileSize, '\0');
-        for (char& byte : data)
-            byte = static_cast<char>(random());
+        std::string data(size, '\0');
+        for (std::size_t at = 0; at + 8 <= size; at += 8) {
+            const std::uint64_t word = random();
+            std::memcpy(data.data() + at, &word, 8);
+        }
         out << data;
     }
 }
 
-// One svnserve per test (some kill it); its repository holds "small" (one
-// file) at r1 and "big" (the large files) at r2.
+// The most a TCP connection of this machine holds in flight: the largest
+// receive buffer of the client and send buffer of the server.
+std::size_t bytesInFlight()
+{
+    std::size_t total = 0;
+    for (const char* name : {"/proc/sys/net/ipv4/tcp_rmem", "/proc/sys/net/ipv4/tcp_wmem"}) {
+        std::ifstream in(name);
+        std::size_t least = 0, initial = 0, most = 0;
+        in >> least >> initial >> most;
+        total += most;
+    }
+    return total;
+}
+
+// One svnserve per test (some kill it); its repository holds "one/x.txt"
+// and "two/y.txt" at r1, both changed at r2, and "big" (small random files)
+// at r3.
 class OperationFaults : public ::testing::Test {
 protected:
     static void SetUpTestSuite()
     {
         // A write to a server that is gone must fail, not end the process.
         signal(SIGPIPE, SIG_IGN);
-        tree = new tessera_test::TemporaryDirectory();
-        writeLargeFiles(*tree / "big", "f");
-        tessera_test::writeFile(*tree / "small.txt", "small\n");
-    }
-    static void TearDownTestSuite()
-    {
-        delete tree;
-        tree = nullptr;
     }
 
     void SetUp() override
     {
-        const std::string local = "file://" + server.repositoryPath();
-        ASSERT_EQ(svn({"import", "-q", "-m", "small", *tree / "small.txt", local + "/small/small.txt"}).status, 0);
-        ASSERT_EQ(svn({"import", "-q", "-m", "big", *tree / "big", local + "/big"}).status, 0);
+        std::filesystem::create_directories(directory / "tree/one");
+        std::filesystem::create_directories(directory / "tree/two");
+        tessera_test::writeFile(directory / "tree/one/x.txt", "x\n");
+        tessera_test::writeFile(directory / "tree/two/y.txt", "y\n");
+        writeRandomFiles(directory / "big", "f", fileCount, fileSize);
+        ASSERT_EQ(svn({"import", "-q", "-m", "small", directory / "tree", repository}).status, 0);
+        tessera_test::checkout(repository, directory / "writer");
+        tessera_test::writeFile(directory / "writer/one/x.txt", "x2\n");
+        tessera_test::writeFile(directory / "writer/two/y.txt", "y2\n");
+        ASSERT_EQ(svn({"commit", "-q", "-m", "change", directory / "writer"}).status, 0);
+        ASSERT_EQ(svn({"import", "-q", "-m", "big", directory / "big", repository + "/big"}).status, 0);
         context = contextFor(nullptr);
         context->authenticationStack()->addProvider(std::make_shared<tessera_test::SvnservePasswordProvider>());
         context->setLogMessageProvider(LuSVNSimpleLogMessageProvider::providerWithMessage("interrupted"));
@@ -106,58 +125,70 @@ protected:
         EXPECT_EQ(status.status, 0) << status.output;
     }
 
-    static inline tessera_test::TemporaryDirectory* tree = nullptr;
-    tessera_test::Svnserve server;
+    // The connection closed under the client (SVN_ERR_RA_SVN_CONNECTION_CLOSED),
+    // or a new one could not be made (SVN_ERR_RA_CANNOT_CREATE_SESSION).
+    static void expectLostConnection(const std::function<void()>& operation)
+    {
+        try {
+            operation();
+            ADD_FAILURE() << "the operation outlived its server";
+        } catch (const LuSVNException& failure) {
+            EXPECT_TRUE(failure.status() == 210002 || failure.status() == 170013) << failure.reason();
+        }
+    }
+
     tessera_test::TemporaryDirectory directory;
+    tessera_test::Svnserve server;
+    const std::string repository = "file://" + server.repositoryPath();
     std::shared_ptr<LuSVNContext> context;
     std::shared_ptr<Recorder> recorder;
 };
 
+// Only more data than the connection holds in flight makes sure that the
+// server dies with part of the check-out unsent.
 TEST_F(OperationFaults, ServerKilledDuringCheckOut)
 {
-    killServerAfter(LuSVNNotifyActionUpdateAdd, 2);
+    const int count = static_cast<int>(bytesInFlight() / largeFileSize) + 3;
+    writeRandomFiles(directory / "large", "l", count, largeFileSize);
+    ASSERT_EQ(svn({"import", "-q", "-m", "large", directory / "large", repository + "/large"}).status, 0);
+    std::filesystem::remove_all(directory / "large");
+    killServerAfter(LuSVNNotifyActionUpdateAdd, 1);
     const std::string wc = directory / "wc";
-    try {
-        LuSVNDirectory::checkoutDirectoryAtURL(url(server.url() + "/big"), local(wc), {}, context);
-        ADD_FAILURE() << "the check-out outlived its server";
-    } catch (const LuSVNException& failure) {
-        // The connection closed under the client (SVN_ERR_RA_SVN_CONNECTION_CLOSED).
-        EXPECT_EQ(failure.status(), 210002) << failure.reason();
-    }
-    EXPECT_LT(recorder->count(LuSVNNotifyActionUpdateAdd), static_cast<std::size_t>(fileCount));
+    expectLostConnection(
+        [&] { LuSVNDirectory::checkoutDirectoryAtURL(url(server.url() + "/large"), local(wc), {}, context); });
+    EXPECT_LT(recorder->count(LuSVNNotifyActionUpdateAdd), static_cast<std::size_t>(count));
     EXPECT_EQ(recorder->notifications.back().action(), LuSVNNotifyActionCheckOutFailed);
     expectRepairable(wc);
-    expectWholeRepository("2");
+    expectWholeRepository("4");
 }
 
+// The update of the second target needs the server again, after the first
+// target's update completed.
 TEST_F(OperationFaults, ServerKilledDuringUpdate)
 {
     const std::string wc = directory / "wc";
     LuSVNCheckOutOptions atFirst;
     atFirst.setRevision(LuSVNRevisionSpec::revisionWithNumber(1));
     EXPECT_EQ(LuSVNDirectory::checkoutDirectoryAtURL(url(server.url()), local(wc), atFirst, context), 1);
-    killServerAfter(LuSVNNotifyActionUpdateAdd, 2);
-    try {
-        LuSVNNode::updateNodes({local(wc)}, LuSVNRevisionSpec::HEAD(), {}, context);
-        ADD_FAILURE() << "the update outlived its server";
-    } catch (const LuSVNException& failure) {
-        // The connection closed, or the update's second session to fetch
-        // the files could not be opened (SVN_ERR_RA_CANNOT_CREATE_SESSION).
-        EXPECT_TRUE(failure.status() == 210002 || failure.status() == 170013) << failure.reason();
-    }
+    recorder->notifications.clear();
+    killServerAfter(LuSVNNotifyActionUpdateCompleted, 1);
+    expectLostConnection([&] {
+        LuSVNNode::updateNodes({local(wc + "/one"), local(wc + "/two")}, LuSVNRevisionSpec::HEAD(), {}, context);
+    });
     EXPECT_EQ(recorder->notifications.back().action(), LuSVNNotifyActionUpdateFailed);
     expectRepairable(wc);
-    EXPECT_EQ(svnInfo(wc + "/small/small.txt", "revision"), "1");
-    expectWholeRepository("2");
+    EXPECT_EQ(svnInfo(wc + "/one/x.txt", "revision"), "3");
+    EXPECT_EQ(svnInfo(wc + "/two/y.txt", "revision"), "1");
+    expectWholeRepository("3");
 }
 
 TEST_F(OperationFaults, ServerKilledDuringCommit)
 {
     const std::string wc = directory / "wc";
-    LuSVNCheckOutOptions smallOnly;
+    LuSVNCheckOutOptions smallOnly;  // the commit's answer needs the server, however little is sent
     smallOnly.setRevision(LuSVNRevisionSpec::revisionWithNumber(1));
-    LuSVNDirectory::checkoutDirectoryAtURL(url(server.url() + "/small"), local(wc), smallOnly, context);
-    writeLargeFiles(wc + "/new", "n");
+    LuSVNDirectory::checkoutDirectoryAtURL(url(server.url() + "/one"), local(wc), smallOnly, context);
+    writeRandomFiles(wc + "/new", "n", fileCount, fileSize);
     LuSVNNode::add(local(wc + "/new"), context);
     killServerAfter(LuSVNNotifyActionCommitPostfixTXDelta, 1);
     EXPECT_THROW(LuSVNNode::commitChangesToNodes({local(wc)}, {}, context), LuSVNException);
@@ -167,7 +198,7 @@ TEST_F(OperationFaults, ServerKilledDuringCommit)
     const std::string status = svnStatus(wc);
     EXPECT_EQ(std::count(status.begin(), status.end(), '\n'), fileCount + 1) << status;
     EXPECT_EQ(status.find("A       " + wc + "/new\n"), 0u) << status;
-    expectWholeRepository("2");
+    expectWholeRepository("3");
 }
 
 // Cancels once the handler has seen enough additions.
@@ -183,7 +214,6 @@ public:
 TEST_F(OperationFaults, CancelledUpdateIsRepairedAndCanBeRunAgain)
 {
     const std::string wc = directory / "wc";
-    const std::string repository = "file://" + server.repositoryPath();
     LuSVNCheckOutOptions atFirst;
     atFirst.setRevision(LuSVNRevisionSpec::revisionWithNumber(1));
     LuSVNDirectory::checkoutDirectoryAtURL(url(repository), local(wc), atFirst, context);
@@ -198,27 +228,28 @@ TEST_F(OperationFaults, CancelledUpdateIsRepairedAndCanBeRunAgain)
     expectRepairable(wc);
 
     EXPECT_EQ(LuSVNNode::updateNodes({local(wc)}, LuSVNRevisionSpec::HEAD(), {}, context),
-              std::vector<std::int32_t>{2});
+              std::vector<std::int32_t>{3});
     EXPECT_EQ(svnStatus(wc), "");
-    EXPECT_EQ(svnInfo(wc + "/big/f" + std::to_string(fileCount - 1), "revision"), "2");
+    EXPECT_EQ(svnInfo(wc + "/big/f" + std::to_string(fileCount - 1), "revision"), "3");
 }
 
 TEST_F(OperationFaults, FileSizeLimitDuringCheckOutGivesAClearError)
 {
     const std::string wc = directory / "wc";
-    const std::string repository = "file://" + server.repositoryPath() + "/big";
+    writeRandomFiles(directory / "huge", "h", 1, largeFileSize);
+    ASSERT_EQ(svn({"import", "-q", "-m", "huge", directory / "huge", repository + "/huge"}).status, 0);
     int channel[2];
     ASSERT_EQ(pipe(channel), 0);
     const pid_t child = fork();
     ASSERT_NE(child, -1);
     if (child == 0) {
-        // Below one file's size: the first large file cannot be written.
-        const rlimit limit{fileSize / 2, fileSize / 2};
+        // Room for the working copy's database, not for the file.
+        const rlimit limit{largeFileSize / 4, largeFileSize / 4};
         signal(SIGXFSZ, SIG_IGN);
         setrlimit(RLIMIT_FSIZE, &limit);
         std::string text = "no error";
         try {
-            LuSVNDirectory::checkoutDirectoryAtURL(url(repository), local(wc), {}, context);
+            LuSVNDirectory::checkoutDirectoryAtURL(url(repository + "/huge"), local(wc), {}, context);
         } catch (const LuSVNException& failure) {
             text = failure.reason();
         }
