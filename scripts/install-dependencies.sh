@@ -10,7 +10,7 @@ packages="
   libglib2.0-dev shared-mime-info netbase
   clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  binutils libxml2-utils jq
+  binutils libxml2-utils jq tmux sqlite3
   doxygen
 "
 

@@ -126,11 +126,11 @@ tessera: E205000: Too many arguments given" backends extra
 "$tessera" help >"$work/help" || fail "help: exit status"
 [ "$("$tessera" --help)" = "$(cat "$work/help")" ] || fail "--help is not help"
 commands="$(sed -n 's/^   \([a-z]*\).*/\1/p' "$work/help")"
-[ "$(echo $commands)" = "backends help mkrepo status wc" ] || fail "help lists: $(echo $commands)"
+[ "$(echo $commands)" = "add backends changelist checkout cleanup commit help mkrepo relocate resolve resolved revert status switch update upgrade wc" ] || fail "help lists: $(echo $commands)"
 for command in $commands; do
   out="$("$tessera" help "$command")" || fail "help $command: exit status"
   echo "$out" | head -1 | grep -q "^$command\( ([^)]*)\)\?: [A-Z]" || fail "help $command: $(echo "$out" | head -1)"
-  echo "$out" | sed -n 2p | grep -q "^usage: $command" || fail "help $command: no usage line"
+  echo "$out" | sed -n 2p | grep -q "^usage: \(1\. \)\?$command" || fail "help $command: no usage line"
   [ "$("$tessera" "$command" --help)" = "$out" ] || fail "$command --help differs from help $command"
   [ "$("$tessera" "$command" -h)" = "$out" ] || fail "$command -h differs from help $command"
   [ "$("$tessera" --help "$command")" = "$out" ] || fail "--help $command differs from help $command"

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <sstream>
@@ -189,6 +190,7 @@ int runTessera(int argc, char** argv)
             Parsed& parsed = commands[parser];
             parser->add_flag("-h,--help", parsed.helpWanted)->group("");
             parsed.action = command->setUp(*parser);
+            addGlobalOptions(*parser, tesseraGlobalSettings());
         }
         try {
             program.parse(parserArguments(program, argc, argv));
@@ -217,9 +219,29 @@ int runTessera(int argc, char** argv)
             return 0;
         }
         LuSVNInitialize();
-        return parsed.action();
+        try {
+            return parsed.action();
+        } catch (const LuSVNException& failure) {
+            // Bad arguments found while running point to the command's help.
+            auto links = errorLinks(failure);
+            const int code = links.front().first;
+            if ((code != TesseraArgumentParsingError && code != TesseraInsufficientArgumentsError) ||
+                links.front().second.rfind("Try 'tessera help", 0) == 0)
+                throw;
+            links.insert(links.begin(), {code, "Try 'tessera help " + command.get_name() + "' for more information"});
+            throwErrorChain(links);
+        }
     } catch (const LuSVNException& failure) {
-        printError(failure);
+        auto links = errorLinks(failure);
+        // A working copy left locked: svn says how to get on.
+        if (std::any_of(links.begin(), links.end(), [](const auto& link) { return link.first == 155004; }))
+            links.insert(links.begin(),
+                         {155004, "Run 'tessera cleanup' to remove locks (type 'tessera help cleanup' for details)"});
+        try {
+            throwErrorChain(links);
+        } catch (const LuSVNException& wrapped) {
+            printError(wrapped);
+        }
         return 1;
     } catch (const std::exception& failure) {
         std::fflush(stdout);

@@ -23,11 +23,18 @@ void printError(const LuSVNException& failure)
         if (printed.emplace(code, message).second)
             printLine("E", static_cast<int>(code), message);
     };
-    print(failure.status(), failure.reason());
-    if (!failure.userInfo())
-        return;
-    for (auto cause = failure.userInfo()->cause; cause; cause = cause->cause)
-        print(cause->status.value_or(LuSVNGenericErrorStatus), cause->message.value_or(""));
+    for (const auto& [code, message] : errorLinks(failure))
+        print(code, message);
+}
+
+std::vector<std::pair<int, std::string>> errorLinks(const LuSVNException& failure)
+{
+    std::vector<std::pair<int, std::string>> links{{static_cast<int>(failure.status()), failure.reason()}};
+    if (failure.userInfo())
+        for (auto cause = failure.userInfo()->cause; cause; cause = cause->cause)
+            links.emplace_back(static_cast<int>(cause->status.value_or(LuSVNGenericErrorStatus)),
+                               cause->message.value_or(""));
+    return links;
 }
 
 void printWarning(int code, const std::string& message)
@@ -38,13 +45,18 @@ void printWarning(int code, const std::string& message)
 
 void throwUsageError(const std::string& command, int code, const std::string& message)
 {
-    LuSVNErrorDictionary cause;
-    cause.message = message;
-    cause.status = code;
-    const std::string reason = "Try 'tessera help " + command + "' for more information";
-    LuSVNErrorDictionary info;
-    info.message = reason;
-    info.status = code;
-    info.cause = std::make_shared<LuSVNErrorDictionary>(std::move(cause));
-    throw LuSVNException(reason, std::move(info));
+    throwErrorChain({{code, "Try 'tessera help " + command + "' for more information"}, {code, message}});
+}
+
+void throwErrorChain(const std::vector<std::pair<int, std::string>>& links)
+{
+    std::shared_ptr<LuSVNErrorDictionary> next;
+    for (auto link = links.rbegin(); link != links.rend(); ++link) {
+        auto dictionary = std::make_shared<LuSVNErrorDictionary>();
+        dictionary->status = link->first;
+        dictionary->message = link->second;
+        dictionary->cause = std::move(next);
+        next = std::move(dictionary);
+    }
+    throw LuSVNException(*next->message, *next);
 }

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 class LuSVNException;
 
@@ -18,6 +20,9 @@ inline constexpr int TesseraInsufficientArgumentsError = 205001;
 /// "Additional errors:" gets its code's standard text every time) shows once.
 void printError(const LuSVNException& failure);
 
+/// The failure and each cause of it as code and message, outermost first.
+std::vector<std::pair<int, std::string>> errorLinks(const LuSVNException& failure);
+
 /// "tessera: warning: W<code>: <message>".
 void printWarning(int code, const std::string& message);
 
@@ -25,3 +30,7 @@ void printWarning(int code, const std::string& message);
 ///   tessera: E205001: Try 'tessera help wc' for more information
 ///   tessera: E205001: Not enough arguments provided
 [[noreturn]] void throwUsageError(const std::string& command, int code, const std::string& message);
+
+/// Raises the chain of errors given outermost first, as svn prints an
+/// error it wrapped: one line each, in that order.
+[[noreturn]] void throwErrorChain(const std::vector<std::pair<int, std::string>>& links);

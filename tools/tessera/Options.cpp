@@ -1,13 +1,21 @@
 #include "Options.h"
 
 #include <tessera/LuSVNException.h>
+#include <tessera/LuSVNRevisionSpec.h>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <unistd.h>
 
 #include "Messages.h"
 
@@ -26,6 +34,35 @@ bool takesValue(const CLI::App& program, const std::string& name)
     return false;
 }
 
+// The option of the program's commands with that name ("-m", "--message").
+const CLI::Option* findOption(const CLI::App& program, const std::string& name)
+{
+    for (const CLI::App* command : program.get_subcommands({}))
+        if (const CLI::Option* option = command->get_option_no_throw(name))
+            return option;
+    return nullptr;
+}
+
+bool isValueOption(const CLI::App& program, const std::string& name)
+{
+    const CLI::Option* option = findOption(program, name);
+    return option && option->get_items_expected_max() != 0;
+}
+
+// Whether the word ends with an option that takes the next word as its
+// value: "--message", "-m", or flags before it ("-qm").
+bool takesNextWord(const CLI::App& program, const std::string& word)
+{
+    if (word.size() > 2 && word.rfind("--", 0) == 0)
+        return word.find('=') == std::string::npos && isValueOption(program, word);
+    if (word.size() < 2 || word[0] != '-' || word[1] == '-')
+        return false;
+    for (std::size_t letter = 1; letter < word.size(); ++letter)
+        if (isValueOption(program, std::string("-") + word[letter]))
+            return letter == word.size() - 1;  // a value option inside takes the rest
+    return false;
+}
+
 }  // namespace
 
 std::vector<std::string> parserArguments(const CLI::App& program, int argc, char** argv)
@@ -40,10 +77,24 @@ std::vector<std::string> parserArguments(const CLI::App& program, int argc, char
             argument.pop_back();
             arguments.push_back(std::move(argument));
             arguments.emplace_back();
+        } else if (options && i + 1 < argc && argv[i + 1][0] == '-' && argv[i + 1][1] != '\0' &&
+                   takesNextWord(program, argument)) {
+            // svn takes the next word as the value whatever it looks like;
+            // the parser would read it as an option. Joined, it cannot.
+            const std::string value = argv[++i];
+            arguments.push_back(argument + (argument[1] == '-' ? "=" : "") + value);
         } else {
             arguments.push_back(std::move(argument));
         }
     }
+    // svn reads options anywhere: those before the command's name are the
+    // command's too.
+    std::size_t name = 0;
+    while (name < arguments.size() && arguments[name].size() > 1 && arguments[name][0] == '-' && arguments[name] != "--")
+        name += takesNextWord(program, arguments[name]) ? 2 : 1;
+    if (name > 0 && name < arguments.size() && arguments[name] != "--")
+        std::rotate(arguments.begin(), arguments.begin() + static_cast<std::ptrdiff_t>(name),
+                    arguments.begin() + static_cast<std::ptrdiff_t>(name) + 1);
     std::reverse(arguments.begin(), arguments.end());
     return arguments;
 }
@@ -91,6 +142,35 @@ CLI::Option* addDepthOption(CLI::App& command, std::function<void(const std::str
         "limit operation by depth ARG ('empty', 'files',\n'immediates', or 'infinity')");
 }
 
+CLI::Option* addSetDepthOption(CLI::App& command, std::function<void(const std::string&)> store)
+{
+    return addOption(
+        command, "--set-depth",
+        [store = std::move(store)](const std::string& word) {
+            if (word != "exclude" && word != "empty" && word != "files" && word != "immediates" && word != "infinity")
+                LuSVNException::exceptionWithReason("'" + word +
+                                                        "' is not a valid depth; try 'exclude', 'empty', 'files', "
+                                                        "'immediates', or 'infinity'",
+                                                    TesseraArgumentParsingError)
+                    ->raise();
+            store(word);
+        },
+        "set new working copy depth to ARG ('exclude',\n'empty', 'files', 'immediates', or 'infinity')");
+}
+
+LuSVNDepth depthForWord(const std::string& word)
+{
+    if (word == "exclude")
+        return LuSVNDepthExclude;
+    if (word == "empty")
+        return LuSVNDepthEmpty;
+    if (word == "files")
+        return LuSVNDepthFiles;
+    if (word == "immediates")
+        return LuSVNDepthImmediates;
+    return word == "infinity" ? LuSVNDepthInfinity : LuSVNDepthUnknown;
+}
+
 CLI::Option* addConfigDirOption(CLI::App& command, std::optional<std::string>& directory)
 {
     return addOption(
@@ -108,4 +188,187 @@ CLI::Option* addConfigDirOption(CLI::App& command, std::optional<std::string>& d
                },
                "read user configuration files from directory ARG")
         ->group(TesseraGlobalOptions);
+}
+
+bool TesseraGlobalSettings::interactive() const
+{
+    return !nonInteractive && (forceInteractive || isatty(STDIN_FILENO));
+}
+
+TesseraGlobalSettings& tesseraGlobalSettings()
+{
+    static TesseraGlobalSettings settings;
+    return settings;
+}
+
+void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings)
+{
+    addOption(
+        command, "--username", [&settings](const std::string& name) { settings.username = name; },
+        "specify a username ARG")
+        ->group(TesseraGlobalOptions);
+    addOption(
+        command, "--password", [&settings](const std::string& password) { settings.password = password; },
+        "specify a password ARG (caution: on many operating\nsystems, other users will be able to see this)")
+        ->group(TesseraGlobalOptions);
+    addFlag(command, "--no-auth-cache", settings.noAuthCache, "do not cache authentication tokens")
+        ->group(TesseraGlobalOptions);
+    addFlag(command, "--non-interactive", settings.nonInteractive,
+            "do no interactive prompting (default is to prompt\nonly if standard input is a terminal device)")
+        ->group(TesseraGlobalOptions);
+    addFlag(command, "--force-interactive", settings.forceInteractive,
+            "do interactive prompting even if standard input\nis not a terminal device")
+        ->group(TesseraGlobalOptions);
+    addConfigDirOption(command, settings.configDir);
+}
+
+namespace {
+
+// The number of a regular-expression group, 0 when it did not take part.
+int number(const std::ssub_match& group)
+{
+    return group.matched ? std::stoi(group.str()) : 0;
+}
+
+// Microseconds of a fraction given with up to six digits.
+long long microseconds(const std::ssub_match& group)
+{
+    std::string digits = group.matched ? group.str() : "";
+    digits.resize(6, '0');
+    return std::stoll(digits);
+}
+
+// svn's date forms: ISO 8601 extended and basic, svn log's, and a time of
+// today; local time unless a zone is given.
+std::optional<LuSVNRevision::Date> parseDate(const std::string& text)
+{
+    static const std::regex extended(
+        "(\\d{4})-(\\d{1,2})-(\\d{1,2})(?:[T ](\\d{1,2}):(\\d{2})(?::(\\d{2})(?:\\.(\\d{1,6}))?)?"
+        "(?:(Z)|\\s?([+-])(\\d{2}):?(\\d{2})?)?)?");
+    static const std::regex basic("(\\d{4})(\\d{2})(\\d{2})(?:T(\\d{2})(\\d{2})(?:(\\d{2})(?:\\.(\\d{1,6}))?)?"
+                                  "(?:(Z)|([+-])(\\d{2})(\\d{2})?)?)?");
+    static const std::regex timeOfDay("(\\d{1,2}):(\\d{2})(?::(\\d{2})(?:\\.(\\d{1,6}))?)?");
+    std::smatch match;
+    std::tm parts{};
+    long long fraction = 0;
+    bool local = true;
+    long offset = 0;
+    if (std::regex_match(text, match, extended) || std::regex_match(text, match, basic)) {
+        parts.tm_year = number(match[1]) - 1900;
+        parts.tm_mon = number(match[2]) - 1;
+        parts.tm_mday = number(match[3]);
+        parts.tm_hour = number(match[4]);
+        parts.tm_min = number(match[5]);
+        parts.tm_sec = number(match[6]);
+        fraction = microseconds(match[7]);
+        if (match[8].matched || match[9].matched) {
+            local = false;
+            offset = (number(match[10]) * 60L + number(match[11])) * 60L * (match[9].str() == "-" ? -1 : 1);
+        }
+    } else if (std::regex_match(text, match, timeOfDay)) {
+        const std::time_t now = std::time(nullptr);
+        localtime_r(&now, &parts);
+        parts.tm_hour = number(match[1]);
+        parts.tm_min = number(match[2]);
+        parts.tm_sec = number(match[3]);
+        fraction = microseconds(match[4]);
+    } else {
+        return std::nullopt;
+    }
+    if (parts.tm_mon < 0 || parts.tm_mon > 11 || parts.tm_mday < 1 || parts.tm_mday > 31 || parts.tm_hour > 23 ||
+        parts.tm_min > 59 || parts.tm_sec > 60)
+        return std::nullopt;
+    parts.tm_isdst = -1;
+    const std::time_t seconds = local ? std::mktime(&parts) : timegm(&parts) - offset;
+    return std::chrono::system_clock::from_time_t(seconds) + std::chrono::microseconds(fraction);
+}
+
+}  // namespace
+
+namespace {
+
+// One revision of svn's revision argument; null for a syntax error.
+std::shared_ptr<const LuSVNRevisionSpec> parseOneRevision(const std::string& text)
+{
+    // Any number of "r"s may lead, as in output pasted back ("r5").
+    const std::string word = text.substr(std::min(text.find_first_not_of('r'), text.size()));
+    if (!word.empty() && word.front() == '{' && word.back() == '}') {
+        const auto date = parseDate(word.substr(1, word.size() - 2));
+        return date ? LuSVNRevisionSpec::revisionAtDate(*date) : nullptr;
+    }
+    if (!word.empty() && std::all_of(word.begin(), word.end(), [](unsigned char c) { return std::isdigit(c); })) {
+        const long long revision = std::stoll(word.substr(0, 12));
+        return revision > 0x7fffffff ? nullptr : LuSVNRevisionSpec::revisionWithNumber(static_cast<std::int32_t>(revision));
+    }
+    std::string upper = word;
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](unsigned char c) { return std::toupper(c); });
+    if (upper == "HEAD")
+        return LuSVNRevisionSpec::HEAD();
+    if (upper == "BASE")
+        return LuSVNRevisionSpec::BASE();
+    if (upper == "COMMITTED")
+        return LuSVNRevisionSpec::COMMITTED();
+    if (upper == "PREV")
+        return LuSVNRevisionSpec::PREVIOUS();
+    return nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text)
+{
+    // A range parses as a whole first: a bad half is a syntax error, a good
+    // range no revision.
+    std::size_t colon = std::string::npos;
+    for (std::size_t at = 0, depth = 0; at < text.size() && colon == std::string::npos; ++at) {
+        depth += text[at] == '{';
+        depth -= text[at] == '}' && depth > 0;
+        if (text[at] == ':' && depth == 0)
+            colon = at;
+    }
+    const auto revision = parseOneRevision(text.substr(0, colon));
+    if (!revision || (colon != std::string::npos && !parseOneRevision(text.substr(colon + 1))))
+        LuSVNException::exceptionWithReason("Syntax error in revision argument '" + text + "'",
+                                            TesseraArgumentParsingError)
+            ->raise();
+    if (colon != std::string::npos)
+        LuSVNException::exceptionWithReason("Revision range is not allowed", 195008)->raise();
+    return revision;
+}
+
+CLI::Option* addRevisionOption(CLI::App& command, std::function<void(std::shared_ptr<const LuSVNRevisionSpec>)> store)
+{
+    return addOption(
+        command, "-r,--revision",
+        [store = std::move(store)](const std::string& text) { store(parseRevision(text)); },
+        "ARG (some commands also take ARG1:ARG2 range)\n"
+        "A revision argument can be one of:\n"
+        "   NUMBER       revision number\n"
+        "   '{' DATE '}' revision at start of the date\n"
+        "   'HEAD'       latest in repository\n"
+        "   'BASE'       base rev of item's working copy\n"
+        "   'COMMITTED'  last commit at or before BASE\n"
+        "   'PREV'       revision just before COMMITTED");
+}
+
+std::vector<std::string> readTargetsFile(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        const int code = errno;
+        LuSVNException::exceptionWithReason("Can't open file '" + path + "': " + std::strerror(code), code)->raise();
+    }
+    std::vector<std::string> targets;
+    std::string line;
+    // svn splits at both line ends and trims each piece.
+    while (std::getline(file, line, '\n')) {
+        std::istringstream pieces(line);
+        for (std::string piece; std::getline(pieces, piece, '\r');) {
+            const auto first = piece.find_first_not_of(" \t\v\f");
+            if (first == std::string::npos)
+                continue;
+            targets.push_back(piece.substr(first, piece.find_last_not_of(" \t\v\f") - first + 1));
+        }
+    }
+    return targets;
 }

@@ -8,9 +8,14 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include <tessera/LuSVNOptions.h>
+
+class LuSVNRevisionSpec;
 
 namespace CLI {
 class App;
@@ -21,7 +26,10 @@ class Option;
 /// takes them. "--name=" gives an option of one of the program's commands
 /// that takes a value the empty value, as in svn, where the parser alone
 /// would take the next argument for it; for a flag it is refused
-/// (CLI::ArgumentMismatch), as the parser refuses "--verbose=x".
+/// (CLI::ArgumentMismatch), as the parser refuses "--verbose=x". The word
+/// after an option that takes a value is that value even when it starts
+/// with "-" (-m "-x"), as in svn. Options before the command's name are
+/// moved behind it: svn takes any option there.
 std::vector<std::string> parserArguments(const CLI::App& program, int argc, char** argv);
 
 /// The group of options that every command of svn takes ("Global options").
@@ -46,7 +54,49 @@ void checkArgumentCount(const CLI::App& command, const std::vector<std::string>&
 /// svn's error E205000 "'<word>' is not a valid depth; try ...".
 CLI::Option* addDepthOption(CLI::App& command, std::function<void(const std::string&)> store);
 
+/// --set-depth ARG: svn's depth words and "exclude", handed to store;
+/// another word is svn's error E205000.
+CLI::Option* addSetDepthOption(CLI::App& command, std::function<void(const std::string&)> store);
+
+/// The library's depth for one of svn's depth words (or "exclude").
+LuSVNDepth depthForWord(const std::string& word);
+
 /// --config-dir ARG, a global option. A path naming something other than a
 /// directory gets svn's warning W000020, and the command goes on without it
 /// (with the user's own configuration area).
 CLI::Option* addConfigDirOption(CLI::App& command, std::optional<std::string>& directory);
+
+/// What the global options of svn set: one object for the whole run, filled
+/// wherever they stand on the command line.
+struct TesseraGlobalSettings {
+    std::optional<std::string> configDir;
+    std::optional<std::string> username;
+    std::optional<std::string> password;
+    bool noAuthCache = false;
+    bool nonInteractive = false;
+    bool forceInteractive = false;
+
+    /// Whether to prompt: as svn, only when standard input is a terminal,
+    /// unless told otherwise.
+    bool interactive() const;
+};
+
+/// The settings of this run.
+TesseraGlobalSettings& tesseraGlobalSettings();
+
+/// Declares the global options (group TesseraGlobalOptions) on a command.
+void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings);
+
+/// svn's revision argument: a number (any "r" before it is skipped), HEAD,
+/// BASE, COMMITTED or PREV in any case, or {DATE} in one of svn's date
+/// forms. Anything else raises E205000 "Syntax error in revision argument
+/// '<text>'"; a well-formed range (ARG1:ARG2) E195008 "Revision range is not
+/// allowed".
+std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text);
+
+/// -r ARG, parsed with parseRevision and handed to store.
+CLI::Option* addRevisionOption(CLI::App& command, std::function<void(std::shared_ptr<const LuSVNRevisionSpec>)> store);
+
+/// The targets of a --targets file: one a line, blank lines skipped, lines
+/// as they are otherwise. An unreadable file raises svn's error.
+std::vector<std::string> readTargetsFile(const std::string& path);

@@ -46,7 +46,6 @@ struct Settings {
     bool aggregates = false;
     std::optional<Depth> depth;
     bool nonRecursive = false;
-    std::optional<std::string> configDir;
     std::vector<std::string> targets;
 
     Depth effectiveDepth() const { return depth.value_or(nonRecursive ? Depth::Immediates : Depth::Infinity); }
@@ -547,7 +546,7 @@ std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& a
     auto& context = contexts_[version.versionString()];
     if (!context) {
         context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->bundleForVersion(version), {},
-                                                  settings_.configDir);
+                                                  tesseraGlobalSettings().configDir);
         // -u over file:// asks for a user name and nothing else.
         context->authenticationStack()->addProvider(std::make_shared<LuSVNUsernameProvider>());
     }
@@ -1175,10 +1174,9 @@ int StatusPrinter::run()
             // svn keeps its warnings to itself when quiet.
             if (settings_.quiet) {
             } else if (e.name() == "LuSVNNotWorkingCopyException" || code == 155007) {
-                std::fprintf(stderr, "tessera: warning: W155007: '%s' is not a working copy\n",
-                             target.absolute.c_str());
+                printWarning(155007, "'" + target.absolute + "' is not a working copy");
             } else {
-                std::fprintf(stderr, "tessera: warning: W%d: %s\n", code, e.reason().c_str());
+                printWarning(code, e.reason());
             }
         }
         target_ = nullptr;
@@ -1240,7 +1238,6 @@ void addOptions(CLI::App& command, Settings& settings)
     addFlag(command, "--json", settings.json, "the nodes with their whole status records,\nin JSON");
     addFlag(command, "--aggregates", settings.aggregates, "each directory's aggregate status words");
     addFlag(command, "--ignore-externals", settings.ignoreExternals, "ignore externals definitions");
-    addConfigDirOption(command, settings.configDir);
     addArguments(command, settings.targets);
     command.final_callback([&settings] {
         if (settings.xml && settings.json)
@@ -1277,7 +1274,8 @@ const TesseraCommand statusCommand(
             try {
                 return printer.run();
             } catch (const WriteError& error) {
-                std::fprintf(stderr, "tessera: E%06d: Write error: %s\n", error.code, std::strerror(error.code));
+                printError(*LuSVNException::exceptionWithReason(std::string("Write error: ") + std::strerror(error.code),
+                                                                error.code));
                 return 1;
             }
         };

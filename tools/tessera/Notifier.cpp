@@ -1,0 +1,349 @@
+#include "Notifier.h"
+
+#include <tessera/Tessera.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "Messages.h"
+
+namespace {
+
+// Subversion's notify actions beyond those the library names, in its order.
+enum : std::int32_t {
+    UpdateBrokenLock = 69,
+    LeftLocalModifications = 73,
+    MoveBroken = 75,
+    CleanupExternal = 76,
+    CommitFinalizing = 79,
+    ResolvedText = 80,
+    ResolvedProperty = 81,
+    ResolvedTree = 82,
+};
+
+// Subversion's notify states.
+enum : std::int32_t {
+    StateMissing = 3,
+    StateObstructed = 4,
+    StateChanged = 5,
+    StateMerged = 6,
+    StateConflicted = 7,
+    StateSourceMissing = 8,
+};
+
+constexpr std::int32_t LockStateUnlocked = 4;
+constexpr std::int32_t NodeKindFile = 1;
+
+// svn's code for an external that could not be handled.
+constexpr int ExternalsError = 205011;
+
+}  // namespace
+
+TesseraNotifier::TesseraNotifier() : TesseraNotifier(std::filesystem::current_path().string(), stdout) {}
+
+TesseraNotifier::TesseraNotifier(std::string prefix, std::FILE* stream) : prefix_(std::move(prefix)), stream_(stream)
+{
+}
+
+void TesseraNotifier::setChangelists(std::optional<std::string> newChangelist,
+                                     std::map<std::string, std::string> former)
+{
+    newChangelist_ = std::move(newChangelist);
+    formerChangelists_ = std::move(former);
+}
+
+std::string TesseraNotifier::displayPath(const std::string& prefix, const std::string& path)
+{
+    if (path == prefix)
+        return ".";
+    const bool rooted = !prefix.empty() && prefix.back() == '/';
+    if (path.size() > prefix.size() && path.compare(0, prefix.size(), prefix) == 0 &&
+        (rooted || path[prefix.size()] == '/'))
+        return path.substr(prefix.size() + (rooted ? 0 : 1));
+    return path.empty() ? "." : path;
+}
+
+void TesseraNotifier::print(const std::string& line)
+{
+    if (beforePrinting_)
+        beforePrinting_();
+    std::fputs(line.c_str(), stream_);
+    std::fflush(stream_);
+}
+
+void TesseraNotifier::warn(const LuSVNException* error, const std::string& path)
+{
+    if (beforePrinting_)
+        beforePrinting_();
+    // Inside an external's section the failure ends it; elsewhere svn names
+    // the definition first, then the reason.
+    if (inExternal_ == 0)
+        printWarning(ExternalsError, "Error handling externals definition for '" + path + "':");
+    if (error)
+        printWarning(error->status(), error->reason());
+    if (inExternal_ > 0) {
+        --inExternal_;
+        print("\n");
+    }
+}
+
+void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
+{
+    std::string path;
+    if (n.URL())
+        path = n.URL()->string();
+    else
+        path = displayPath(n.pathPrefix().value_or(prefix_), n.path().value_or(""));
+
+    const auto columns = [&](char text, char properties, char lock) {
+        return std::string{text, properties, lock, ' ', ' '} + path + "\n";
+    };
+    switch (n.action()) {
+    case LuSVNNotifyActionSkip:
+        ++skippedPaths_;
+        if (n.contentState() == StateMissing)
+            print("Skipped missing target: '" + path + "'\n");
+        else if (n.contentState() == StateSourceMissing)
+            print("Skipped target: '" + path + "' -- copy-source is missing\n");
+        else if (n.contentState() == StateObstructed)
+            print("Skipped '" + path + "' -- obstructed by unversioned node\n");
+        else
+            print("Skipped '" + path + "'\n");
+        break;
+    case LuSVNNotifyActionUpdateSkipObstruction:
+        ++skippedPaths_;
+        print("Skipped '" + path + "' -- An obstructing working copy was found\n");
+        break;
+    case LuSVNNotifyActionUpdateSkipWorkingOnly:
+        ++skippedPaths_;
+        print("Skipped '" + path + "' -- Has no versioned parent\n");
+        break;
+    case LuSVNNotifyActionUpdateSkipAccessDenied:
+        ++skippedPaths_;
+        print("Skipped '" + path + "' -- Access denied\n");
+        break;
+    case LuSVNNotifyActionSkipConflicted:
+        ++skippedPaths_;
+        print("Skipped '" + path + "' -- Node remains in conflict\n");
+        break;
+    case LuSVNNotifyActionUpdateDelete:
+    case LuSVNNotifyActionExclude:
+        receivedSomeChange_ = true;
+        print("D    " + path + "\n");
+        break;
+    case UpdateBrokenLock:
+        print("B    " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpdateExternalRemoved:
+        receivedSomeChange_ = true;
+        if (n.error() && !n.error()->reason().empty())
+            print("Removed external '" + path + "': " + n.error()->reason() + "\n");
+        else
+            print("Removed external '" + path + "'\n");
+        break;
+    case LeftLocalModifications:
+        print("Left local modifications as '" + path + "'\n");
+        break;
+    case LuSVNNotifyActionUpdateReplace:
+        receivedSomeChange_ = true;
+        print("R    " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpdateAdd:
+        receivedSomeChange_ = true;
+        if (n.contentState() == StateConflicted) {
+            textConflicts_.insert(path);
+            print("C    " + path + "\n");
+        } else {
+            print("A    " + path + "\n");
+        }
+        break;
+    case LuSVNNotifyActionExists: {
+        receivedSomeChange_ = true;
+        char text = 'E', properties = ' ';
+        if (n.contentState() == StateConflicted) {
+            textConflicts_.insert(path);
+            text = 'C';
+        }
+        if (n.propertyState() == StateConflicted) {
+            propertyConflicts_.insert(path);
+            properties = 'C';
+        } else if (n.propertyState() == StateMerged) {
+            properties = 'G';
+        }
+        print(columns(text, properties, ' '));
+        break;
+    }
+    case LuSVNNotifyActionRestore:
+        print("Restored '" + path + "'\n");
+        break;
+    case LuSVNNotifyActionRevert:
+        print("Reverted '" + path + "'\n");
+        break;
+    case LuSVNNotifyActionFailedRevert:
+        print("Failed to revert '" + path + "' -- try updating instead.\n");
+        break;
+    case LuSVNNotifyActionResolved: {
+        const auto kind = conflictKinds_.find(n.path().value_or(""));
+        if (kind == conflictKinds_.end())
+            print("Resolved conflicted state of '" + path + "'\n");
+        else if (kind->second == ConflictKind::Text)
+            print("Merge conflicts in '" + path + "' marked as resolved.\n");
+        else
+            print("Tree conflict at '" + path + "' marked as resolved.\n");
+        break;
+    }
+    case ResolvedText:
+        print("Merge conflicts in '" + path + "' marked as resolved.\n");
+        break;
+    case ResolvedProperty:
+        print("Conflict in property '" + n.propertyName().value_or("") + "' at '" + path + "' marked as resolved.\n");
+        break;
+    case ResolvedTree:
+        print("Tree conflict at '" + path + "' marked as resolved.\n");
+        break;
+    case LuSVNNotifyActionAdd:
+        print("A         " + path + "\n");
+        break;
+    case LuSVNNotifyActionDelete:
+        receivedSomeChange_ = true;
+        print("D         " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpdateUpdate:
+    case LuSVNNotifyActionMergeRecordInfo: {
+        char text = ' ', properties = ' ';
+        if (n.contentState() == StateConflicted) {
+            textConflicts_.insert(path);
+            text = 'C';
+        } else if (n.nodeKind() == NodeKindFile) {
+            text = n.contentState() == StateMerged ? 'G' : n.contentState() == StateChanged ? 'U' : ' ';
+        }
+        if (n.propertyState() == StateConflicted) {
+            propertyConflicts_.insert(path);
+            properties = 'C';
+        } else if (n.propertyState() == StateMerged) {
+            properties = 'G';
+        } else if (n.propertyState() == StateChanged) {
+            properties = 'U';
+        }
+        const char lock = n.lockState() == LockStateUnlocked ? 'B' : ' ';
+        receivedSomeChange_ = receivedSomeChange_ || text != ' ' || properties != ' ';
+        if (text != ' ' || properties != ' ' || lock != ' ')
+            print(columns(text, properties, lock));
+        break;
+    }
+    case LuSVNNotifyActionUpdateExternal:
+        ++inExternal_;
+        print("\nFetching external item into '" + path + "':\n");
+        break;
+    case LuSVNNotifyActionFailedExternal:
+        externalsError_ = true;
+        warn(n.error().get(), path);
+        break;
+    case LuSVNNotifyActionUpdateStarted:
+        if (inExternal_ == 0 && !checkout_)
+            print("Updating '" + path + "':\n");
+        break;
+    case LuSVNNotifyActionUpdateCompleted: {
+        const std::string revision = std::to_string(n.revision());
+        const bool external = inExternal_ > 0;
+        if (n.revision() == LuSVNInvalidRevision)
+            print(checkout_ ? (external ? "External checkout complete.\n" : "Checkout complete.\n")
+                            : (external ? "External update complete.\n" : "Update complete.\n"));
+        else if (checkout_)
+            print((external ? "Checked out external at revision " : "Checked out revision ") + revision + ".\n");
+        else if (receivedSomeChange_)
+            print((external ? "Updated external to revision " : "Updated to revision ") + revision + ".\n");
+        else
+            print((external ? "External at revision " : "At revision ") + revision + ".\n");
+        if (!checkout_)
+            receivedSomeChange_ = false;
+        if (external) {
+            --inExternal_;
+            print("\n");
+        }
+        break;
+    }
+    case LuSVNNotifyActionCommitModified:
+        print("Sending        " + path + "\n");
+        break;
+    case LuSVNNotifyActionCommitAdded:
+    case LuSVNNotifyActionCommitCopied:
+        print("Adding         " + path + "\n");
+        break;
+    case LuSVNNotifyActionCommitDeleted:
+        print("Deleting       " + path + "\n");
+        break;
+    case LuSVNNotifyActionCommitReplaced:
+    case LuSVNNotifyActionCommitCopiedReplaced:
+        print("Replacing      " + path + "\n");
+        break;
+    case LuSVNNotifyActionCommitPostfixTXDelta:
+        print(sentFirstDelta_ ? "." : "Transmitting file data .");
+        sentFirstDelta_ = true;
+        break;
+    case CommitFinalizing:
+        print(sentFirstDelta_ ? "done\nCommitting transaction...\n" : "Committing transaction...\n");
+        break;
+    case LuSVNNotifyActionChangeListSet:
+        print("A [" + newChangelist_.value_or("") + "] " + path + "\n");
+        break;
+    case LuSVNNotifyActionChangeListClear:
+    case LuSVNNotifyActionChangeListMoved: {
+        const auto former = formerChangelists_.find(n.path().value_or(""));
+        print("D [" + (former == formerChangelists_.end() ? std::string() : former->second) + "] " + path + "\n");
+        break;
+    }
+    case LuSVNNotifyActionTreeConflict:
+        treeConflicts_.insert(path);
+        print("   C " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpdateShadowedAdd:
+        receivedSomeChange_ = true;
+        print("   A " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpdateShadowedUpdate:
+        receivedSomeChange_ = true;
+        print("   U " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpdateShadowedDelete:
+        receivedSomeChange_ = true;
+        print("   D " + path + "\n");
+        break;
+    case LuSVNNotifyActionUpgradedPath:
+        print("Upgraded '" + path + "'\n");
+        break;
+    case LuSVNNotifyActionURLRedirect:
+        print("Redirecting to URL '" + path + "':\n");
+        break;
+    case LuSVNNotifyActionPathNonExistent:
+        print("'" + path + "' is not under version control\n");
+        break;
+    case MoveBroken:
+        print("Breaking move with source path '" + path + "'\n");
+        break;
+    case CleanupExternal:
+        print("Performing cleanup on external item at '" + path + "'.\n");
+        break;
+    default:
+        // The library's own start and end of operations, and what svn
+        // itself does not show.
+        break;
+    }
+}
+
+void TesseraNotifier::printConflictSummary() const
+{
+    if (textConflicts_.empty() && propertyConflicts_.empty() && treeConflicts_.empty() && skippedPaths_ == 0)
+        return;
+    std::string out = "Summary of conflicts:\n";
+    const auto count = [&out](const char* what, std::size_t number) {
+        if (number > 0)
+            out += std::string("  ") + what + ": " + std::to_string(number) + "\n";
+    };
+    count("Text conflicts", textConflicts_.size());
+    count("Property conflicts", propertyConflicts_.size());
+    count("Tree conflicts", treeConflicts_.size());
+    count("Skipped paths", static_cast<std::size_t>(skippedPaths_));
+    std::fputs(out.c_str(), stream_);
+    std::fflush(stream_);
+}

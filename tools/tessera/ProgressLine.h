@@ -1,0 +1,48 @@
+// A line on a terminal that shows how far a transfer has come: bytes, rate
+// and items, redrawn in place at most a few times a second and erased when
+// the operation ends, so that what remains on the terminal is svn's output.
+//
+//   TesseraProgressLine line(stderr, isatty(STDERR_FILENO) && !quiet);
+//   context->setProgressHandler([&](const LuSVNProgress& p) {
+//       line.update(p.bytes, p.items, std::chrono::steady_clock::now());
+//   });
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+/// "1.5 MiB at 512.0 KiB/s, 42 items": the bytes so far, the mean rate
+/// since the start (left out before any time has passed) and the items.
+std::string progressText(std::int64_t bytes, std::chrono::duration<double> elapsed, std::int64_t items);
+
+class TesseraProgressLine {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Draws on the stream only when enabled; the time of the first update
+    /// is the start of the transfer.
+    TesseraProgressLine(std::FILE* stream, bool enabled);
+    /// Erases the line.
+    ~TesseraProgressLine();
+    TesseraProgressLine(const TesseraProgressLine&) = delete;
+    TesseraProgressLine& operator=(const TesseraProgressLine&) = delete;
+
+    /// Redraws the line with the figures, unless it was drawn less than the
+    /// redraw interval ago (the first figures show at once).
+    void update(std::int64_t bytes, std::int64_t items, Clock::time_point now);
+    /// Takes the line away (until the next redraw), as before other output.
+    void erase();
+
+    /// The least time between two redraws.
+    static constexpr Clock::duration redrawInterval = std::chrono::milliseconds(200);
+
+private:
+    std::FILE* stream_;
+    bool enabled_;
+    bool shown_ = false;
+    bool started_ = false;
+    Clock::time_point start_;
+    Clock::time_point lastDrawn_;
+};
