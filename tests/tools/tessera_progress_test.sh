@@ -32,6 +32,13 @@ in_pane() {
     [ "$tries" -lt 300 ] || { fail "$1: did not end"; break; }
     sleep 0.1
   done
+  # The pipe to pane.raw may lag behind the screen on a busy machine.
+  tries=0
+  until grep -q "END-[0-9]*-OF-STEP" "$work/pane.raw"; do
+    tries=$((tries + 1))
+    [ "$tries" -lt 100 ] || { fail "$1: the pane's bytes never arrived"; break; }
+    sleep 0.1
+  done
   $tmux capture-pane -p > "$work/screen"
   cp "$work/pane.raw" "$work/written"
   $tmux send-keys "clear" Enter
