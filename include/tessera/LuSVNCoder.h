@@ -82,7 +82,9 @@ public:
 
 protected:
     LuSVNCoding() = default;
+    /// Subclasses copy their own state.
     LuSVNCoding(const LuSVNCoding&) = default;
+    /// See the copy constructor.
     LuSVNCoding& operator=(const LuSVNCoding&) = default;
 };
 

@@ -58,6 +58,9 @@
 class LuSVNAddOptions;
 class LuSVNCommitOptions;
 class LuSVNContext;
+class LuSVNLogItem;
+class LuSVNLogMessageReceiverDelegate;
+class LuSVNLogOptions;
 class LuSVNResolveOptions;
 class LuSVNRevertOptions;
 class LuSVNStatusOptions;
@@ -318,6 +321,19 @@ public:
     /// null when Subversion reports none. Raises "Invalid parameter not
     /// satisfying: path != nil" (and "context != nil").
     static URLPath URLForNodeAtPath(const Path& path, const Context& context);
+
+    // --- History --------------------------------------------------------------
+
+    /// The log of the path (a working-copy path or URL) as the options ask,
+    /// newest first when fromRevision is the newer end. Each item is handed
+    /// to the delegate (may be null) as it arrives; the answer holds the items
+    /// the receiver collected. A delegate's cancellation raises the
+    /// cancellation as LuSVNException, a delegate's exception is raised as
+    /// it is. Raises "Invalid parameter not satisfying: path != nil" (and
+    /// "context != nil").
+    static std::vector<std::shared_ptr<LuSVNLogItem>> readLogForNodeAtPath(
+        const Path& path, const std::shared_ptr<LuSVNLogMessageReceiverDelegate>& delegate,
+        const LuSVNLogOptions& options, const Context& context);
 
     // --- Properties -------------------------------------------------------------
 

@@ -1,0 +1,144 @@
+#include "HistoryFixture.h"
+
+#include <tessera/LuSVNAuthenticationStack.h>
+#include <tessera/LuSVNBundleLoader.h>
+#include <tessera/LuSVNUsernameProvider.h>
+
+#include <filesystem>
+#include <stdexcept>
+
+namespace tessera_history_test {
+
+namespace {
+
+void commit(const std::string& author, const std::string& message, const std::string& path)
+{
+    svnOrThrow({"commit", "-q", "--username", author, "-m", message, path});
+}
+
+}  // namespace
+
+std::vector<std::string> numberedLines(int count)
+{
+    std::vector<std::string> lines;
+    for (int line = 1; line <= count; ++line)
+        lines.push_back("line " + std::to_string(line));
+    return lines;
+}
+
+std::string joinLines(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const auto& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+std::string EditedText::text() const
+{
+    return joinLines(lines);
+}
+
+EditedText applyEdits(const std::vector<std::string>& original, const std::vector<Edit>& edits)
+{
+    EditedText result;
+    auto edit = edits.begin();
+    int added = 0;
+    for (std::size_t line = 0; line <= original.size();) {
+        if (edit != edits.end() && edit->at == line) {
+            for (std::size_t n = 0; n < edit->inserted; ++n) {
+                result.lines.push_back("local " + std::to_string(++added));
+                result.origin.push_back(-1);
+            }
+            line += edit->removed;
+            ++edit;
+            continue;
+        }
+        if (line == original.size())
+            break;
+        result.lines.push_back(original[line]);
+        result.origin.push_back(static_cast<long>(line));
+        ++line;
+    }
+    return result;
+}
+
+std::string svnOrThrow(const std::vector<std::string>& arguments)
+{
+    const auto result = tessera_test::svn(arguments);
+    if (result.status != 0)
+        throw std::runtime_error("svn " + arguments.front() + " failed: " + result.output);
+    return result.output;
+}
+
+std::string utf16(const std::string& ascii, bool bigEndian)
+{
+    std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char character : ascii) {
+        bytes += bigEndian ? '\0' : character;
+        bytes += bigEndian ? character : '\0';
+    }
+    return bytes;
+}
+
+const HistoryRepository& HistoryRepository::shared()
+{
+    static const HistoryRepository repository;
+    return repository;
+}
+
+HistoryRepository::HistoryRepository()
+{
+    using tessera_test::writeFile;
+    url_ = tessera_test::makeRepository(directory_ / "repo");
+    const std::string tree = directory_ / "tree";
+    std::filesystem::create_directories(tree + "/trunk");
+    writeFile(tree + "/trunk/a.txt", joinLines(numberedLines(12)));
+    writeFile(tree + "/trunk/naïve-ü.txt", "héllo\nwörld\n");
+    std::string binary;
+    for (int byte = 0; byte < 512; ++byte)
+        binary += static_cast<char>(byte % 256);
+    writeFile(tree + "/trunk/bin.dat", binary);
+    writeFile(tree + "/trunk/le.txt", utf16("one\ntwo\nthree\n", false));
+    writeFile(tree + "/trunk/be.txt", utf16("one\ntwo\nthree\n", true));
+    svnOrThrow({"import", "-q", "--username", "alice", "-m", "Import", tree, url_});
+
+    const std::string wc = workingCopy();
+    tessera_test::checkout(url_, wc);
+    std::string a = joinLines(numberedLines(12));
+    a.replace(a.find("line 3\n"), 7, "line three\n");
+    writeFile(item("trunk/a.txt"), a + "line 13\n");
+    writeFile(item("trunk/le.txt"), utf16("one\nzwei\nthree\n", false));
+    svnOrThrow({"propset", "-q", "colour", "blau", item("trunk/naïve-ü.txt")});
+    commit("bob", "Edits & a <property>\nsecond line: ünïcode", wc);
+
+    svnOrThrow({"copy", "-q", "--username", "alice", "-m", "Branch", url_ + "/trunk", url_ + "/branch"});
+    svnOrThrow({"update", "-q", wc});
+
+    svnOrThrow({"move", "-q", item("trunk/a.txt"), item("trunk/moved.txt")});
+    commit("bob", "Move", wc);
+
+    svnOrThrow({"rm", "-q", item("trunk/bin.dat")});
+    svnOrThrow({"copy", "-q", item("branch/bin.dat"), item("trunk/bin.dat")});
+    commit("alice", "Replace", wc);
+
+    std::string moved = a + "line 13\n";
+    moved.replace(0, 7, "first\n");
+    moved.replace(moved.find("line 10\n"), 8, "line ten\n");
+    writeFile(item("trunk/moved.txt"), moved);
+    writeFile(item("trunk/be.txt"), utf16("one\ntwo\ndrei\n", true));
+    commit("carol", "Edit", wc);
+    svnOrThrow({"update", "-q", wc});
+}
+
+std::shared_ptr<LuSVNContext> HistoryRepository::context(const char* bundlePath) const
+{
+    auto* loader = LuSVNBundleLoader::sharedInstance().get();
+    auto context = LuSVNContext::contextWithBundle(
+        bundlePath ? loader->loadBundleAtPath(bundlePath) : loader->newestBundle(), {}, config_.path());
+    // Local repositories ask for a user name.
+    context->authenticationStack()->addProvider(std::make_shared<LuSVNUsernameProvider>());
+    return context;
+}
+
+}  // namespace tessera_history_test

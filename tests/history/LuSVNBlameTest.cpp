@@ -1,0 +1,210 @@
+#include <tessera/LuSVNBlame.h>
+#include <tessera/LuSVNDateConversion.h>
+#include <tessera/LuSVNDiff.h>
+#include <tessera/LuSVNKeyedArchiver.h>
+#include <tessera/LuSVNPlatformExceptions.h>
+#include <tessera/LuSVNURL.h>
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
+
+#include "HistoryFixture.h"
+
+namespace {
+
+using tessera_history_test::HistoryRepository;
+
+// Who a line is attributed to.
+struct Attribution {
+    std::int64_t revision;
+    std::string author;
+    friend bool operator==(const Attribution&, const Attribution&) = default;
+    friend std::ostream& operator<<(std::ostream& stream, const Attribution& a)
+    {
+        return stream << "r" << a.revision << " " << a.author;
+    }
+};
+
+// svn blame --xml, one attribution per line; the dates by line too.
+std::vector<Attribution> clientBlame(const std::vector<std::string>& arguments,
+                                     std::vector<std::optional<LuSVNBlameSection::Date>>* dates = nullptr)
+{
+    std::vector<std::string> command = {"blame", "--xml"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const std::string xml = tessera_history_test::svnOrThrow(command);
+    static const std::regex entry(
+        R"re(<entry\s+line-number="\d+">\s*<commit\s+revision="(\d+)">\s*<author>([^<]*)</author>\s*<date>([^<]*)</date>)re");
+    std::vector<Attribution> lines;
+    for (std::sregex_iterator match(xml.begin(), xml.end(), entry), end; match != end; ++match) {
+        lines.push_back({std::stol((*match)[1]), (*match)[2]});
+        if (dates)
+            dates->push_back(LuSVNDateConversion::dateWithISO8601String(std::string((*match)[3])));
+    }
+    return lines;
+}
+
+// The sections as one attribution per line, checking that they follow each
+// other without gaps from line 0.
+std::vector<Attribution> perLine(const LuSVNBlame& blame)
+{
+    std::vector<Attribution> lines;
+    for (const auto& section : blame.blameSections()) {
+        EXPECT_EQ(section->lines().location, lines.size()) << section->description();
+        for (std::uint64_t n = 0; n < section->lines().length; ++n)
+            lines.push_back({section->revision(), section->author().value_or("")});
+    }
+    return lines;
+}
+
+TEST(LuSVNBlameTest, AgreesWithSvnBlameAndJoinsRunsOfLines)
+{
+    const auto& repository = HistoryRepository::shared();
+    const struct {
+        const char* name;
+        std::string target;
+        std::vector<std::string> svnArguments;
+        std::int32_t revision;
+        bool pegged;  // the file is gone at HEAD
+    } cases[] = {
+        {"moved and edited", "trunk/moved.txt", {}, 6, false},
+        {"before the move", "trunk/a.txt", {}, 3, true},
+        {"non-ASCII", "trunk/na%C3%AFve-%C3%BC.txt", {}, 6, false},
+        {"binary type forced", "trunk/le.txt", {"--force"}, 6, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string url = repository.url() + "/" + c.target;
+        const auto revision = LuSVNRevision::revisionWithNumber(c.revision);
+        const auto blame = c.pegged ? LuSVNBlame::blameForPath(LuSVNURL::URLWithString(url), revision,
+                                                               LuSVNRevision::revisionWithNumber(1), revision,
+                                                               LuSVNDiffOptions(), repository.context())
+                                    : LuSVNBlame::blameForPath(LuSVNURL::URLWithString(url), revision,
+                                                               LuSVNDiffOptions(), repository.context());
+        auto arguments = c.svnArguments;
+        arguments.push_back(url + "@" + std::to_string(c.revision));
+        std::vector<std::optional<LuSVNBlameSection::Date>> dates;
+        const auto expected = clientBlame(arguments, &dates);
+        EXPECT_EQ(perLine(*blame), expected);
+        const auto& sections = blame->blameSections();
+        for (std::size_t index = 0; index < sections.size(); ++index) {
+            EXPECT_EQ(sections[index]->date(), dates.at(sections[index]->lines().location));
+            if (index > 0) {
+                EXPECT_NE(Attribution({sections[index]->revision(), *sections[index]->author()}),
+                          Attribution({sections[index - 1]->revision(), *sections[index - 1]->author()}));
+            }
+        }
+    }
+}
+
+TEST(LuSVNBlameTest, LinesJoinSectionsByAuthorAndRevision)
+{
+    const struct {
+        const char* name;
+        std::vector<std::pair<const char*, std::int64_t>> lines;
+        std::vector<LuSVNLineRange> sections;
+    } cases[] = {
+        {"empty file", {}, {}},
+        {"one author", {{"a", 5}, {"a", 5}, {"a", 5}}, {{0, 3}}},
+        {"interrupted run", {{"a", 5}, {"a", 5}, {"a", 5}, {"b", 7}, {"a", 5}, {"a", 5}}, {{0, 3}, {3, 1}, {4, 2}}},
+        {"same author, other revision", {{"a", 5}, {"a", 6}}, {{0, 1}, {1, 1}}},
+        // No author in revision 0 never opens a section: each such line
+        // starts its own, and none of them is closed by the next line.
+        {"no author in revision 0", {{nullptr, 0}, {nullptr, 0}, {"a", 1}}, {{0, 0}, {1, 0}, {2, 1}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        LuSVNBlame blame;
+        std::int64_t line = 0;
+        for (const auto& [author, revision] : c.lines)
+            blame.receiveClientBlame(line++, revision, author, nullptr, nullptr);
+        // The walk closes the last section when it ends; the one open here
+        // still has its length of 0, which the cases leave out.
+        std::vector<LuSVNLineRange> ranges;
+        for (const auto& section : blame.blameSections())
+            ranges.push_back(section->lines());
+        if (!ranges.empty() && ranges.back().length == 0)
+            ranges.back().length = c.lines.size() - ranges.back().location;
+        EXPECT_EQ(ranges, c.sections);
+    }
+    LuSVNBlame blame;
+    blame.receiveClientBlame(0, 1, "a", nullptr, nullptr);
+    EXPECT_THROW(blame.receiveClientBlame(2, 1, "a", nullptr, nullptr), LuSVNInvalidArgumentException);
+}
+
+TEST(LuSVNBlameTest, LocalEditsLayOverTheCommittedLines)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory directory;
+    const std::string wc = directory / "wc", file = wc + "/moved.txt";
+    tessera_test::checkout(repository.url() + "/trunk", wc);
+    const auto local = [](const std::string& path) { return LuSVNLocalPath::pathWithString(path); };
+    const auto committed = LuSVNBlame::blameForPath(local(file), LuSVNRevision::BASE(), LuSVNDiffOptions(),
+                                                    repository.context());
+    const auto committedLines = perLine(*committed);
+    std::vector<std::string> original;
+    std::istringstream text(tessera_history_test::svnOrThrow({"cat", file}));
+    for (std::string line; std::getline(text, line);)
+        original.push_back(line);
+    ASSERT_EQ(committedLines.size(), original.size());
+    tessera_test::writeFile(directory / "pristine.txt", tessera_history_test::joinLines(original));
+
+    const struct {
+        const char* name;
+        std::vector<tessera_history_test::Edit> edits;
+    } cases[] = {
+        {"unchanged", {}},
+        {"insert at start", {{0, 0, 2}}},
+        {"insert in the middle", {{6, 0, 1}}},
+        {"insert at end", {{13, 0, 3}}},
+        {"delete at start", {{0, 2, 0}}},
+        {"delete in the middle", {{5, 3, 0}}},
+        {"delete at end", {{11, 2, 0}}},
+        {"change at start", {{0, 1, 1}}},
+        {"change in the middle", {{2, 1, 2}}},
+        {"change at end", {{12, 1, 2}}},
+        {"everywhere", {{0, 1, 2}, {2, 1, 1}, {7, 0, 1}, {9, 1, 0}, {12, 1, 1}}},
+        {"everything", {{0, 13, 2}}},
+        {"emptied", {{0, 13, 0}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto edited = tessera_history_test::applyEdits(original, c.edits);
+        tessera_test::writeFile(file, edited.text());
+        // Brute force: each line of the working file takes the attribution of
+        // the line it came from, new lines the local one.
+        std::vector<Attribution> expected;
+        for (const long origin : edited.origin)
+            expected.push_back(origin < 0 ? Attribution{-1, "me"} : committedLines.at(origin));
+
+        auto blame = std::make_shared<LuSVNBlame>();
+        blame->setBlameSections(committed->blameSections());
+        const auto diff = LuSVNDiff::compareOriginalFileAtPath(local(directory / "pristine.txt"), local(file),
+                                                               repository.context());
+        blame->mergeDiff(*diff, "me", -1, std::nullopt);
+        EXPECT_EQ(perLine(*blame), expected);
+        for (std::size_t index = 1; index < blame->blameSections().size(); ++index) {
+            const auto& previous = *blame->blameSections()[index - 1];
+            const auto& current = *blame->blameSections()[index];
+            EXPECT_FALSE(previous.revision() == current.revision() && previous.author() == current.author())
+                << "adjacent sections of one attribution: " << current.description();
+        }
+    }
+    EXPECT_EQ(perLine(*committed), committedLines);  // the committed blame stays as it was
+}
+
+TEST(LuSVNBlameTest, ArchiveKeepsTheSections)
+{
+    const auto& repository = HistoryRepository::shared();
+    const auto blame = LuSVNBlame::blameForPath(LuSVNURL::URLWithString(repository.url() + "/trunk/moved.txt"),
+                                                LuSVNRevision::HEAD(), LuSVNDiffOptions(), repository.context());
+    const auto copy =
+        LuSVNKeyedUnarchiver::unarchiveObjectOfClass<LuSVNBlame>(LuSVNKeyedArchiver::archivedDataWithRootObject(*blame));
+    ASSERT_EQ(copy->blameSections().size(), blame->blameSections().size());
+    for (std::size_t index = 0; index < blame->blameSections().size(); ++index)
+        EXPECT_EQ(copy->blameSections()[index]->description(), blame->blameSections()[index]->description());
+    EXPECT_EQ(copy->blameSections().front()->date(), blame->blameSections().front()->date());
+}
+
+}  // namespace

@@ -1,0 +1,356 @@
+#include <tessera/LuSVNDiff.h>
+#include <tessera/LuSVNException.h>
+#include <tessera/LuSVNStreams.h>
+#include <tessera/LuSVNURL.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "HistoryFixture.h"
+
+namespace {
+
+using tessera_history_test::Edit;
+using tessera_history_test::EditedText;
+using tessera_history_test::HistoryRepository;
+using tessera_test::writeFile;
+
+std::shared_ptr<const LuSVNLocalPath> local(const std::string& path)
+{
+    return LuSVNLocalPath::pathWithString(path);
+}
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// The sections cover both texts in order without gaps, alternate between
+// common and differing runs, and map every kept line to the line it came
+// from; every new line lies in a differing run.
+void expectSectionsMapLines(const LuSVNDiff& diff, std::size_t originalCount, const EditedText& edited)
+{
+    std::uint64_t original = 0, modified = 0;
+    std::vector<long> mapped(edited.lines.size(), -2);
+    LuSVNDiffSectionType previous = LuSVNDiffSectionConflict;
+    for (const auto& section : diff.sections()) {
+        SCOPED_TRACE(section->description());
+        EXPECT_NE(section->type(), previous);
+        previous = section->type();
+        EXPECT_EQ(section->originalRange().location, original);
+        EXPECT_EQ(section->modifiedRange().location, modified);
+        for (std::uint64_t line = 0; line < section->modifiedRange().length; ++line)
+            mapped.at(modified + line) = section->type() == LuSVNDiffSectionCommon
+                                             ? static_cast<long>(original + line)
+                                             : -1;
+        if (section->type() == LuSVNDiffSectionCommon) {
+            EXPECT_EQ(section->originalRange().length, section->modifiedRange().length);
+        }
+        original = section->originalRange().end();
+        modified = section->modifiedRange().end();
+    }
+    EXPECT_EQ(original, originalCount);
+    EXPECT_EQ(modified, edited.lines.size());
+    EXPECT_EQ(mapped, edited.origin);
+}
+
+// Type and original and modified ranges of each section, a line each.
+std::string sectionsText(const LuSVNDiff& diff)
+{
+    std::string text;
+    const auto range = [](const LuSVNLineRange& r) {
+        return "{" + std::to_string(r.location) + ", " + std::to_string(r.length) + "}";
+    };
+    for (const auto& section : diff.sections())
+        text += std::to_string(section->type()) + " " + range(section->originalRange()) + " " +
+                range(section->modifiedRange()) + "\n";
+    return text;
+}
+
+struct EditCase {
+    const char* name;
+    std::vector<Edit> edits;
+};
+
+const std::vector<EditCase>& editCases()
+{
+    static const std::vector<EditCase> cases = {
+        {"unchanged", {}},
+        {"insert at start", {{0, 0, 2}}},
+        {"insert in the middle", {{6, 0, 1}}},
+        {"insert at end", {{13, 0, 3}}},
+        {"delete at start", {{0, 2, 0}}},
+        {"delete in the middle", {{5, 3, 0}}},
+        {"delete at end", {{11, 2, 0}}},
+        {"change at start", {{0, 1, 1}}},
+        {"change in the middle", {{4, 2, 3}}},
+        {"change at end", {{12, 1, 2}}},
+        {"everywhere", {{0, 1, 2}, {5, 1, 0}, {7, 0, 1}, {12, 1, 1}}},
+        {"everything", {{0, 13, 2}}},
+    };
+    return cases;
+}
+
+TEST(LuSVNDiffTest, SectionsMapEveryLineOfTwoFiles)
+{
+    const auto& repository = HistoryRepository::shared();
+    const auto original = tessera_history_test::numberedLines(13);
+    writeFile(repository.scratch("original.txt"), tessera_history_test::joinLines(original));
+    for (const auto& c : editCases()) {
+        SCOPED_TRACE(c.name);
+        const auto edited = tessera_history_test::applyEdits(original, c.edits);
+        writeFile(repository.scratch("modified.txt"), edited.text());
+        const auto diff = LuSVNDiff::compareOriginalFileAtPath(
+            local(repository.scratch("original.txt")), local(repository.scratch("modified.txt")), repository.context());
+        expectSectionsMapLines(*diff, original.size(), edited);
+    }
+}
+
+TEST(LuSVNDiffTest, OptionsDecideWhatDiffers)
+{
+    const auto& repository = HistoryRepository::shared();
+    const struct {
+        const char* name;
+        std::string original, modified;
+        std::int32_t whitespace;
+        bool ignoreEOLStyle;
+        std::string sections;
+    } cases[] = {
+        {"empty files", "", "", 0, false, ""},
+        {"spacing counts", "a b\n", "a  b\n", 0, false, "1 {0, 1} {0, 1}\n"},
+        {"spacing ignored", "a b\nc\n", "a  b\nc\n", 1, false, "0 {0, 2} {0, 2}\n"},
+        {"spaces counted when only changes are ignored", "ab\n", "a b\n", 1, false, "1 {0, 1} {0, 1}\n"},
+        {"all space ignored", "ab\nc\n", "a b\nc\n", 2, false, "0 {0, 2} {0, 2}\n"},
+        {"line ends count", "x\r\ny\n", "x\ny\n", 0, false, "1 {0, 1} {0, 1}\n0 {1, 1} {1, 1}\n"},
+        {"line ends ignored", "x\r\ny\n", "x\ny\n", 0, true, "0 {0, 2} {0, 2}\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeFile(repository.scratch("o.txt"), c.original);
+        writeFile(repository.scratch("m.txt"), c.modified);
+        LuSVNDiffOptions options;
+        options.setWhitespaceCompareBehavior(c.whitespace);
+        options.setIgnoreEOLStyle(c.ignoreEOLStyle);
+        const auto diff = LuSVNDiff::compareOriginalFileAtPath(local(repository.scratch("o.txt")),
+                                                               local(repository.scratch("m.txt")), options,
+                                                               repository.context());
+        EXPECT_EQ(sectionsText(*diff), c.sections);
+    }
+}
+
+TEST(LuSVNDiffTest, UTF16FilesCompareAsTheirText)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory temporary;
+    tessera_test::ScopedEnvironment environment({{"TMPDIR", temporary.path().c_str()}});
+    const std::string original = "one\ntwo\nthree\nfour\n", modified = "one\n2\nthree\nfour\nfive\n";
+    writeFile(repository.scratch("u8-o.txt"), original);
+    writeFile(repository.scratch("u8-m.txt"), modified);
+    const auto expected = LuSVNDiff::compareOriginalFileAtPath(
+        local(repository.scratch("u8-o.txt")), local(repository.scratch("u8-m.txt")), repository.context());
+    for (const bool bigEndian : {false, true}) {
+        SCOPED_TRACE(bigEndian ? "big-endian" : "little-endian");
+        writeFile(repository.scratch("u16-o.txt"), tessera_history_test::utf16(original, bigEndian));
+        writeFile(repository.scratch("u16-m.txt"), tessera_history_test::utf16(modified, !bigEndian));
+        EXPECT_EQ(LuSVNDiff::encodingOfFile(local(repository.scratch("u16-o.txt"))), LuSVNTextEncoding::UTF16);
+        const auto diff = LuSVNDiff::compareOriginalFileAtPath(
+            local(repository.scratch("u16-o.txt")), local(repository.scratch("u16-m.txt")), repository.context());
+        EXPECT_EQ(sectionsText(*diff), sectionsText(*expected));
+        EXPECT_TRUE(std::filesystem::is_empty(temporary.path())) << "temporary copies left behind";
+    }
+    // The first file's copy goes when the second cannot be read.
+    EXPECT_THROW(LuSVNDiff::compareOriginalFileAtPath(local(repository.scratch("u16-o.txt")),
+                                                      local(repository.scratch("absent.txt")), repository.context()),
+                 LuSVNNoSuchEntryException);
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+    // A file shorter than 4 bytes is UTF-8 whatever it begins with.
+    writeFile(repository.scratch("short.txt"), "\xFF\xFE" "a");
+    EXPECT_EQ(LuSVNDiff::encodingOfFile(local(repository.scratch("short.txt"))), LuSVNTextEncoding::UTF8);
+}
+
+TEST(LuSVNDiffTest, UTF16FileWithoutRoomForItsCopyIsRefused)
+{
+    const auto& repository = HistoryRepository::shared();
+    writeFile(repository.scratch("u16.txt"), tessera_history_test::utf16("a\nb\n", false));
+    writeFile(repository.scratch("u8.txt"), "a\n");
+    tessera_test::ScopedEnvironment environment({{"TMPDIR", repository.scratch("no-such-directory").c_str()}});
+    try {
+        LuSVNDiff::compareOriginalFileAtPath(local(repository.scratch("u8.txt")), local(repository.scratch("u16.txt")),
+                                             repository.context());
+        FAIL() << "no exception";
+    } catch (const LuSVNNoSuchEntryException& exception) {
+        EXPECT_STREQ(exception.what(), "Failed to generate a temporary file name");
+    }
+}
+
+// The hunks of a unified diff: everything from the first "@@".
+std::string hunks(const std::string& text)
+{
+    const auto at = text.find("\n@@");
+    return at == std::string::npos ? "" : text.substr(at + 1);
+}
+
+TEST(LuSVNDiffTest, UnifiedDiffOfTwoFilesHasTheHunksOfSvnDiff)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory directory;  // a repository of its own: the shared one stays as it is
+    const std::string wc = directory / "wc";
+    tessera_test::checkout(tessera_test::makeRepository(directory / "repo"), wc);
+    const auto original = tessera_history_test::numberedLines(13);
+    writeFile(wc + "/f.txt", tessera_history_test::joinLines(original));
+    writeFile(directory / "original.txt", tessera_history_test::joinLines(original));
+    tessera_history_test::svnOrThrow({"add", "-q", wc + "/f.txt"});
+    tessera_history_test::svnOrThrow({"commit", "-q", "-m", "original", wc});
+    for (const auto& c : editCases()) {
+        SCOPED_TRACE(c.name);
+        const auto edited = tessera_history_test::applyEdits(original, c.edits);
+        writeFile(wc + "/f.txt", edited.text());
+        const std::string expected = hunks(tessera_history_test::svnOrThrow({"diff", wc + "/f.txt"}));
+
+        std::ostringstream stream;
+        LuSVNDiff::compareOriginalFileAtPath(local(directory / "original.txt"), "a", local(wc + "/f.txt"), "b",
+                                             LuSVNStdOutputStream::streamWithStream(stream),
+                                             LuSVNDiffOptions::defaults(), repository.context());
+        EXPECT_EQ(hunks(stream.str()), expected);
+        if (!expected.empty()) {
+            EXPECT_EQ(stream.str().substr(0, 12), "--- a\n+++ b\n");
+        }
+        LuSVNDiff::compareOriginalFileAtPath(local(directory / "original.txt"), "a", local(wc + "/f.txt"), "b",
+                                             local(directory / "out.diff"), LuSVNDiffOptions::defaults(),
+                                             repository.context());
+        EXPECT_EQ(readFile(directory / "out.diff"), stream.str());
+    }
+}
+
+TEST(LuSVNDiffTest, LocationsDiffAsSvnDiffPrintsThem)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory directory;
+    const std::string wc = directory / "wc";
+    tessera_test::checkout(repository.url(), wc);
+    writeFile(wc + "/trunk/moved.txt", "changed\n");
+    tessera_history_test::svnOrThrow({"propset", "-q", "colour", "rot", wc + "/trunk/le.txt"});
+    const std::string url = repository.url();
+    const auto revision = [](std::int32_t number) { return LuSVNRevision::revisionWithNumber(number); };
+    const struct {
+        const char* name;
+        LuSVNPath::Path original;
+        std::shared_ptr<const LuSVNRevision> originalRevision;
+        LuSVNPath::Path modified;
+        std::shared_ptr<const LuSVNRevision> modifiedRevision;
+        std::vector<std::string> svnArguments;
+        std::int32_t whitespace;
+    } cases[] = {
+        {"repository revisions", LuSVNURL::URLWithString(url), revision(1), LuSVNURL::URLWithString(url), revision(6),
+         {"-r", "1:6", url}, 0},
+        {"one file across revisions", LuSVNURL::URLWithString(url + "/trunk/moved.txt"), revision(4),
+         LuSVNURL::URLWithString(url + "/trunk/moved.txt"), revision(6), {"-r", "4:6", url + "/trunk/moved.txt"}, 0},
+        {"working copy against its base", local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(),
+         {wc}, 0},
+        {"ignoring space changes", local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(),
+         {"-x", "-b", wc}, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::vector<std::string> arguments = {"diff"};
+        arguments.insert(arguments.end(), c.svnArguments.begin(), c.svnArguments.end());
+        LuSVNDiffOptions options;
+        options.setWhitespaceCompareBehavior(c.whitespace);
+        LuSVNDiff::compareOriginalAtPath(c.original, c.originalRevision, c.modified, c.modifiedRevision,
+                                         local(directory / "out.diff"), options, repository.context());
+        const std::string expected = tessera_history_test::svnOrThrow(arguments);
+        EXPECT_EQ(readFile(directory / "out.diff"), expected);
+        EXPECT_NE(fcntl(STDERR_FILENO, F_GETFD), -1) << "the diff closed the process's standard error";
+        std::ostringstream stream;
+        LuSVNDiff::compareOriginalAtPath(c.original, c.originalRevision, c.modified, c.modifiedRevision, nullptr,
+                                         LuSVNStdOutputStream::streamWithStream(stream), options,
+                                         repository.context());
+        EXPECT_EQ(stream.str(), expected);
+    }
+    // Headers relative to a directory: svn's absolute ones without it.
+    std::ostringstream relative;
+    LuSVNDiff::compareOriginalAtPath(local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(), local(wc),
+                                     LuSVNStdOutputStream::streamWithStream(relative), LuSVNDiffOptions(),
+                                     repository.context());
+    std::string expected = tessera_history_test::svnOrThrow({"diff", wc});
+    for (auto at = expected.find(wc + "/"); at != std::string::npos; at = expected.find(wc + "/"))
+        expected.erase(at, wc.size() + 1);
+    EXPECT_EQ(relative.str(), expected);
+}
+
+// A stream that refuses every write.
+class FailingStream : public LuSVNOutputStream {
+public:
+    long write(const std::uint8_t*, std::size_t) override { return -1; }
+};
+
+TEST(LuSVNDiffTest, StreamFailureReachesTheCaller)
+{
+    const auto& repository = HistoryRepository::shared();
+    const auto url = LuSVNURL::URLWithString(repository.url());
+    try {
+        LuSVNDiff::compareOriginalAtPath(url, LuSVNRevision::revisionWithNumber(1), url,
+                                         LuSVNRevision::revisionWithNumber(6), nullptr,
+                                         std::make_shared<FailingStream>(), LuSVNDiffOptions(), repository.context());
+        FAIL() << "no exception";
+    } catch (const LuSVNException& exception) {
+        EXPECT_STREQ(exception.what(), "Unable to write data to output stream");
+    }
+}
+
+TEST(LuSVNDiffTest, RelativePathsNeedTheNewerInterface)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory directory;
+    const auto url = LuSVNURL::URLWithString(repository.url());
+    const auto r1 = LuSVNRevision::revisionWithNumber(1), r2 = LuSVNRevision::revisionWithNumber(2);
+    const auto output = local(directory / "out.diff");
+    try {
+        LuSVNDiff::compareOriginalAtPath(url, r1, url, r2, url, output, LuSVNDiffOptions::defaults(),
+                                         repository.context(TESSERA_TEST_BUNDLE_1_4_6));
+        FAIL() << "no exception";
+    } catch (const LuSVNException& exception) {
+        EXPECT_STREQ(exception.what(), "relativeToPath requires 1.5 or greater");
+    }
+    // Without it the older interface writes what the newer one writes.
+    LuSVNDiff::compareOriginalAtPath(url, r1, url, r2, output, LuSVNDiffOptions::defaults(),
+                                     repository.context(TESSERA_TEST_BUNDLE_1_4_6));
+    const std::string older = readFile(directory / "out.diff");
+    LuSVNDiff::compareOriginalAtPath(url, r1, url, r2, output, LuSVNDiffOptions::defaults(), repository.context());
+    EXPECT_EQ(older, readFile(directory / "out.diff"));
+    EXPECT_NE(older, "");
+}
+
+TEST(LuSVNDiffTest, CoalescingMergesRunsOfOneType)
+{
+    auto diff = LuSVNDiff::diff();
+    const auto add = [&](LuSVNDiffSectionType type, std::uint64_t original, std::uint64_t modified) {
+        diff->addSection(LuSVNDiffSection::sectionOfType(type, {original, 1}, {modified, 2}, {}));
+    };
+    add(LuSVNDiffSectionDiffModified, 0, 0);
+    add(LuSVNDiffSectionDiffModified, 1, 2);
+    add(LuSVNDiffSectionCommon, 2, 4);
+    add(LuSVNDiffSectionDiffModified, 3, 6);
+    add(LuSVNDiffSectionDiffModified, 4, 8);
+    add(LuSVNDiffSectionDiffModified, 5, 10);
+    diff->coaleseAdjacentSectionsOfType(LuSVNDiffSectionDiffModified);
+    ASSERT_EQ(diff->sections().size(), 3u);
+    EXPECT_EQ(diff->sections()[0]->originalRange(), (LuSVNLineRange{0, 2}));
+    EXPECT_EQ(diff->sections()[0]->modifiedRange(), (LuSVNLineRange{0, 4}));
+    EXPECT_EQ(diff->sections()[2]->originalRange(), (LuSVNLineRange{3, 3}));
+    EXPECT_EQ(diff->sections()[2]->modifiedRange(), (LuSVNLineRange{6, 6}));
+    diff->adjustRangesByOffset(10, -2, 1, 5);
+    EXPECT_EQ(diff->sections()[0]->originalRange(), (LuSVNLineRange{0, 2}));
+    EXPECT_EQ(diff->sections()[1]->originalRange(), (LuSVNLineRange{12, 1}));
+    EXPECT_EQ(diff->sections()[2]->modifiedRange(), (LuSVNLineRange{4, 6}));
+    EXPECT_EQ(LuSVNDiffSection::stringFromType(static_cast<LuSVNDiffSectionType>(9)), "Unknown (9)");
+}
+
+}  // namespace
