@@ -139,5 +139,29 @@ same log "$repository/no-such-file"
 same log -r 99
 same log a b
 
+# Blame of a working file edited at its start, middle and end, of a file
+# with a change in white space only, of a replaced and a non-ASCII file.
+printf 'zero\none\nTWO\nthree\nfour\n' > trunk/a
+printf 'one\ntwo \nthree\nbranch\n' > branch/a
+svn commit -q -m "Spaces" branch/a
+printf 'line\r\nlast without break' > trunk/moved/f
+for options in "" -v --xml "--xml --incremental" "-x -w" "-x --ignore-eol-style" "-r 2:BASE" "-r BASE"; do
+  # shellcheck disable=SC2086 # one word list
+  same blame $options trunk/a trunk/b branch/a "trunk/gr\303\274n.txt" trunk/moved/f
+done
+# Local edits laid over the committed blame by the library's diff agree
+# with svn's own walk over the working file.
+for options in "" -v "-x -b"; do
+  # shellcheck disable=SC2086
+  tessera_only=--local same blame $options trunk/a branch/a trunk/moved/f
+done
+same blame
+same blame --xml -v trunk/a
+same blame --incremental trunk/a
+same blame -x --nonsense trunk/a
+same blame no-such-file
+same praise trunk/b
+same annotate -v branch/a
+
 [ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
 echo "all history commands agree with svn"
