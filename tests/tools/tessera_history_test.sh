@@ -1,10 +1,10 @@
 #!/bin/sh
-# tessera log against svn log on a repository with copies, moves, a
-# replacement, property changes, non-ASCII names and messages, a revision
-# without author and one without message: the same output (XML path
-# elements compared without the attributes that only svn's newer log call
-# reports, and in one order, as svn prints them in hash order), the same
-# errors and exit statuses.
+# tessera log, blame and diff against svn on a repository with copies, moves,
+# a replacement, property changes, non-ASCII names and messages, a revision
+# without author and one with an empty message: the same output, errors and
+# exit statuses. XML path elements of the log are compared without the
+# attributes that only svn's newer log call reports, and in one order (svn
+# prints them in hash order).
 # usage: tessera_history_test.sh TESSERA SVN SVNADMIN
 set -eu
 tessera="$1" svn="$2" svnadmin="$3"
@@ -162,6 +162,28 @@ same blame -x --nonsense trunk/a
 same blame no-such-file
 same praise trunk/b
 same annotate -v branch/a
+
+# Diff of the working copy's edits and between revisions, of paths and URLs.
+# The library's diff notices ancestry: a replaced file is a deletion and an
+# addition, as svn shows it with --notice-ancestry.
+svn_only=--notice-ancestry
+for options in "" "-x -w" "-x -b" "-x --ignore-eol-style" "-r 2" "-r 1:4" "-c 3" "-c -3" "-r 2:HEAD" -N; do
+  # shellcheck disable=SC2086
+  same diff $options
+  # shellcheck disable=SC2086
+  same diff $options trunk/a
+done
+for options in "-r 1:4" "-c 3" "-c 6" "-r 6:5"; do
+  # shellcheck disable=SC2086
+  same diff $options "$repository/trunk"
+done
+svn_only=""
+same diff -r 1:x
+same diff -r 1 -c 2
+same log -c 2 -r 1
+same diff -c x
+same diff -x --nonsense
+same diff no-such-file
 
 [ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
 echo "all history commands agree with svn"
