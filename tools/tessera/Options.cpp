@@ -315,10 +315,11 @@ std::shared_ptr<const LuSVNRevisionSpec> parseOneRevision(const std::string& tex
 
 }  // namespace
 
-std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text)
+std::pair<std::shared_ptr<const LuSVNRevisionSpec>, std::shared_ptr<const LuSVNRevisionSpec>> parseRevisionRange(
+    const std::string& text)
 {
-    // A range parses as a whole first: a bad half is a syntax error, a good
-    // range no revision.
+    // A bad half makes the whole text a syntax error; the colon of a range
+    // is the first one outside braces (dates hold colons).
     std::size_t colon = std::string::npos;
     for (std::size_t at = 0, depth = 0; at < text.size() && colon == std::string::npos; ++at) {
         depth += text[at] == '{';
@@ -327,11 +328,18 @@ std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text)
             colon = at;
     }
     const auto revision = parseOneRevision(text.substr(0, colon));
-    if (!revision || (colon != std::string::npos && !parseOneRevision(text.substr(colon + 1))))
+    const auto end = colon == std::string::npos ? nullptr : parseOneRevision(text.substr(colon + 1));
+    if (!revision || (colon != std::string::npos && !end))
         LuSVNException::exceptionWithReason("Syntax error in revision argument '" + text + "'",
                                             TesseraArgumentParsingError)
             ->raise();
-    if (colon != std::string::npos)
+    return {revision, end};
+}
+
+std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text)
+{
+    auto [revision, end] = parseRevisionRange(text);
+    if (end)
         LuSVNException::exceptionWithReason("Revision range is not allowed", 195008)->raise();
     return revision;
 }

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <tessera/LuSVNOptions.h>
@@ -93,6 +94,12 @@ void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings);
 /// '<text>'"; a well-formed range (ARG1:ARG2) E195008 "Revision range is not
 /// allowed".
 std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text);
+
+/// svn's revision argument that may be a range: ARG or ARG1:ARG2, each half
+/// as parseRevision reads it; the second is null without a colon. A bad half
+/// raises parseRevision's syntax error for the whole text.
+std::pair<std::shared_ptr<const LuSVNRevisionSpec>, std::shared_ptr<const LuSVNRevisionSpec>> parseRevisionRange(
+    const std::string& text);
 
 /// -r ARG, parsed with parseRevision and handed to store.
 CLI::Option* addRevisionOption(CLI::App& command, std::function<void(std::shared_ptr<const LuSVNRevisionSpec>)> store);

@@ -1,0 +1,189 @@
+#!/bin/sh
+# tessera log, blame and diff against svn on a repository with copies, moves,
+# a replacement, property changes, non-ASCII names and messages, a revision
+# without author and one with an empty message: the same output, errors and
+# exit statuses. XML path elements of the log are compared without the
+# attributes that only svn's newer log call reports, and in one order (svn
+# prints them in hash order).
+# usage: tessera_history_test.sh TESSERA SVN SVNADMIN
+set -eu
+tessera="$1" svn="$2" svnadmin="$3"
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+export HOME="$work/home" LC_ALL=C.UTF-8
+mkdir -p "$HOME"
+failures=0
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+svn() { "$svn" --config-dir "$work/config" --non-interactive "$@"; }
+
+repository="file://$work/repository"
+"$svnadmin" create "$work/repository"
+svn checkout -q "$repository" "$work/wc"
+cd "$work/wc"
+mkdir -p trunk/dir
+printf 'one\ntwo\n' > trunk/a
+printf 'x\n' > trunk/dir/f
+svn add -q trunk
+svn commit -q -m "Initial import
+with a second line"
+svn copy -q trunk/a trunk/b
+printf 'three\n' >> trunk/a
+svn propset -q colour blue trunk/dir
+svn commit -q -m "Copy a to b & edit <a>"
+svn update -q
+svn move -q trunk/dir trunk/moved
+printf 'caf\303\251\n' > "trunk/gr\303\274n.txt"
+svn add -q "trunk/gr\303\274n.txt"
+svn commit -q -m "$(printf 'Gr\303\274\303\237e\n\n& <tag> "q" \001\n')"
+svn delete -q trunk/b
+svn commit -q -m ""
+svn update -q
+svn copy -q trunk/moved/f trunk/b
+svn commit -q -m "Replace b"
+svn copy -q "$repository/trunk" "$repository/branch" -m "Branch"
+svn update -q
+printf 'branch\n' >> branch/a
+svn commit -q -m "On the branch"
+"$svnadmin" delrevprop "$work/repository" -r 5 svn:author
+svn update -q
+
+# Runs svn and tessera (with $svn_only and $tessera_only after them) with the same arguments in the working copy and
+# compares standard output, standard error (program names aside) and exit
+# status; `normalise` filters both outputs first.
+normalise=cat tessera_only="" svn_only=""
+same() {
+  # shellcheck disable=SC2086
+  expected_status=0; svn "$@" $svn_only >"$work/svn.out" 2>"$work/svn.err" || expected_status=$?
+  actual_status=0
+  # shellcheck disable=SC2086 # options of tessera's own, one word each
+  "$tessera" --config-dir "$work/config" "$@" $tessera_only >"$work/tessera.out" 2>"$work/tessera.err" ||
+    actual_status=$?
+  $normalise <"$work/svn.out" >"$work/expected.out"
+  $normalise <"$work/tessera.out" >"$work/actual.out"
+  sed -e "s/^svn: /tessera: /" -e "s/'svn help/'tessera help/" "$work/svn.err" >"$work/expected.err"
+  if ! cmp -s "$work/expected.out" "$work/actual.out" || ! cmp -s "$work/expected.err" "$work/tessera.err" ||
+    [ "$expected_status" -ne "$actual_status" ]; then
+    fail "$* $tessera_only: exit $actual_status (svn $expected_status)"
+    diff -u "$work/expected.out" "$work/actual.out" | head -40 | sed 's/^/    /' || true
+    diff -u "$work/expected.err" "$work/tessera.err" | sed 's/^/    /' || true
+  fi
+}
+
+# Each <path> element on one line with the attributes both give, in a fixed
+# order, and the elements of each <paths> sorted.
+xml_paths() {
+  awk '
+    function flush(   i, j, t) {
+      for (i = 2; i <= n; i++) for (j = i; j > 1 && p[j - 1] > p[j]; j--) { t = p[j]; p[j] = p[j - 1]; p[j - 1] = t }
+      for (i = 1; i <= n; i++) print p[i]
+      n = 0
+    }
+    /^<path$/ { inpath = 1; action = from = rev = ""; next }
+    inpath {
+      a = substr($0, 4); rest = ""; at = index(a, "\">")
+      if (at > 0) { rest = substr(a, at + 1); a = substr(a, 1, at) }
+      if (a ~ /^action=/) action = a
+      if (a ~ /^copyfrom-path=/) from = a
+      if (a ~ /^copyfrom-rev=/) rev = a
+      if (rest != "") { p[++n] = "<path " action " " from " " rev rest; inpath = 0 }
+      next
+    }
+    /^<\/paths>$/ { flush() }
+    { print }'
+}
+
+for zone in UTC Asia/Kolkata America/St_Johns; do
+  export TZ="$zone"
+  same log
+  same log -v "$repository/trunk"
+  same log -q
+  same log -q -v
+  same log -v -l 2
+  same log -v trunk/b
+  same log -v --stop-on-copy trunk/b
+  same log -v branch/a
+  same log -v --stop-on-copy "$repository/branch"
+done
+export TZ=Asia/Kolkata
+for range in 2:4 4:2 3 HEAD:1 r2:BASE "{2000-01-01}:HEAD" PREV; do
+  same log -v -r "$range"
+done
+same log -c 3
+same log -c -3
+same log -v "$repository/trunk/gr%C3%BCn.txt"
+same log "$repository/trunk/a@3"
+same log -v -r 1:HEAD "$repository/trunk/b@6"
+same log --search IMPORT
+same log --search "c?py*b"
+same log -v --search /trunk/moved
+same log --search /trunk/moved
+same log --search copy --search-and edit
+same log --search copy --search branch
+same log --search 2[0-9][0-9][0-9]-
+same log --incremental -r 2:3
+same log --xml
+same log --xml -q
+same log --xml -r 3 --incremental
+normalise=xml_paths
+same log --xml -v
+same log --xml -v -q "$repository/branch"
+normalise=cat
+same log -l 0
+same log -l x
+same log -r 1:x
+same log -c x
+same log -c 0
+same log -r 1 -c 2
+same log no-such-file
+same log "$repository/no-such-file"
+same log -r 99
+same log a b
+
+# Blame of a working file edited at its start, middle and end, of a file
+# with a change in white space only, of a replaced and a non-ASCII file.
+printf 'zero\none\nTWO\nthree\nfour\n' > trunk/a
+printf 'one\ntwo \nthree\nbranch\n' > branch/a
+svn commit -q -m "Spaces" branch/a
+printf 'line\r\nlast without break' > trunk/moved/f
+for options in "" -v --xml "--xml --incremental" "-x -w" "-x --ignore-eol-style" "-r 2:BASE" "-r BASE"; do
+  # shellcheck disable=SC2086 # one word list
+  same blame $options trunk/a trunk/b branch/a "trunk/gr\303\274n.txt" trunk/moved/f
+done
+# Local edits laid over the committed blame by the library's diff agree
+# with svn's own walk over the working file.
+for options in "" -v "-x -b"; do
+  # shellcheck disable=SC2086
+  tessera_only=--local same blame $options trunk/a branch/a trunk/moved/f
+done
+same blame
+same blame --xml -v trunk/a
+same blame --incremental trunk/a
+same blame -x --nonsense trunk/a
+same blame no-such-file
+same praise trunk/b
+same annotate -v branch/a
+
+# Diff of the working copy's edits and between revisions, of paths and URLs.
+# The library's diff notices ancestry: a replaced file is a deletion and an
+# addition, as svn shows it with --notice-ancestry.
+svn_only=--notice-ancestry
+for options in "" "-x -w" "-x -b" "-x --ignore-eol-style" "-r 2" "-r 1:4" "-c 3" "-c -3" "-r 2:HEAD" -N; do
+  # shellcheck disable=SC2086
+  same diff $options
+  # shellcheck disable=SC2086
+  same diff $options trunk/a
+done
+for options in "-r 1:4" "-c 3" "-c 6" "-r 6:5"; do
+  # shellcheck disable=SC2086
+  same diff $options "$repository/trunk"
+done
+svn_only=""
+same diff -r 1:x
+same diff -r 1 -c 2
+same log -c 2 -r 1
+same diff -c x
+same diff -x --nonsense
+same diff no-such-file
+
+[ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
+echo "all history commands agree with svn"

@@ -1,0 +1,210 @@
+// tessera blame FILE...: each line of a working file with the revision and
+// author that last changed it, as svn blame prints it (or its XML); lines
+// changed in the working file read "-" for both.
+//
+// With --local the committed blame (of the base text) is laid over the
+// working file by the library's diff of the two: the same answer from the
+// library's own overlay instead of Subversion's walk over the working file.
+#include <tessera/LuSVNBlame.h>
+#include <tessera/LuSVNDiff.h>
+#include <tessera/LuSVNDiffOptions.h>
+#include <tessera/Tessera.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Command.h"
+#include "HistoryOptions.h"
+#include "Messages.h"
+#include "Operation.h"
+#include "Options.h"
+#include "RevisionDates.h"
+#include "XMLText.h"
+
+namespace {
+
+struct Settings {
+    std::vector<std::string> arguments;
+    std::optional<std::string> revision;
+    std::optional<std::string> extensions;
+    bool verbose = false;
+    bool xml = false;
+    bool incremental = false;
+    bool local = false;
+};
+
+// The file's lines without their line endings, as blame shows them.
+std::vector<std::string> fileLines(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+// svn's columns: the revision in six, the author in ten, "-" for a line
+// changed in the working file.
+void appendLine(std::string& out, const LuSVNBlameSection& section, const std::string& line, bool verbose)
+{
+    char columns[32];
+    const bool committed = section.revision() >= 0;
+    std::snprintf(columns, sizeof columns, committed ? "%6lld " : "     - ",
+                  static_cast<long long>(section.revision()));
+    out += columns;
+    const std::string author = committed && section.author() ? *section.author() : "-";
+    if (author.size() < 10)
+        out.append(10 - author.size(), ' ');
+    out += author + " ";
+    if (verbose)
+        out += (committed && section.date() ? humanDate(*section.date())
+                                           : "                                           -") +
+               " ";
+    out += line + "\n";
+}
+
+void appendXMLEntry(std::string& out, const LuSVNBlameSection& section, std::uint64_t line)
+{
+    appendXMLOpenTag(out, "entry", {{"line-number", std::to_string(line + 1)}});
+    if (section.revision() >= 0) {
+        appendXMLOpenTag(out, "commit", {{"revision", std::to_string(section.revision())}});
+        if (section.author())
+            appendXMLTaggedData(out, "author", *section.author());
+        if (section.date())
+            appendXMLTaggedData(out, "date", repositoryDate(*section.date()));
+        out += "</commit>\n";
+    }
+    out += "</entry>\n";
+}
+
+void blameTarget(const Settings& settings, const std::string& target, const LuSVNDiffOptions& options)
+{
+    using Revision = LuSVNBlame::Revision;
+    const auto [pathText, peg] = splitPegRevision(target);
+    if (isURL(pathText))
+        LuSVNException::exceptionWithReason("'" + pathText + "' is not a local path", TesseraArgumentParsingError)
+            ->raise();
+    // -r X is 1:X; without -r the working file.
+    Revision start = LuSVNRevision::revisionWithNumber(1);
+    Revision end = peg ? peg->keyRevision() : LuSVNRevision::WORKING();
+    if (settings.revision) {
+        const auto [first, second] = parseRevisionRange(*settings.revision);
+        start = second ? first->keyRevision() : start;
+        end = (second ? second : first)->keyRevision();
+    }
+    const bool base = end->isEqual(LuSVNRevision::BASE());
+    if (!base && !end->isEqual(LuSVNRevision::WORKING()))
+        LuSVNException::exceptionWithReason("Blame of a revision other than BASE or the working file is not "
+                                            "supported",
+                                            200007)
+            ->raise();
+    if (settings.local && base)
+        raiseArgumentError("--local shows the working file; it takes no end revision");
+
+    const auto path = targetPath(pathText);
+    TesseraOperation operation(absoluteTargetPath(pathText), {true, false});
+    const auto& context = operation.context();
+    const auto unspecified = peg ? peg->keyRevision() : LuSVNRevision::UNSPECIFIED();
+    std::shared_ptr<LuSVNBlame> blame;
+    std::string textPath = path->string();
+    if (settings.local) {
+        blame = LuSVNBlame::blameForPath(path, unspecified, start, LuSVNRevision::BASE(), options, context);
+        const auto pristine = LuSVNNode::BASEPathForNodeAtPath(path, context);
+        blame->mergeDiff(*LuSVNDiff::compareOriginalFileAtPath(pristine, path, options, context), std::nullopt, -1,
+                         std::nullopt);
+    } else {
+        blame = LuSVNBlame::blameForPath(path, unspecified, start, end, options, context);
+        if (base)
+            textPath = LuSVNNode::BASEPathForNodeAtPath(path, context)->string();
+    }
+
+    const auto lines = fileLines(textPath);
+    std::string out;
+    if (settings.xml)
+        appendXMLOpenTag(out, "target", {{"path", pathText}});
+    for (const auto& section : blame->blameSections()) {
+        const auto& range = section->lines();
+        for (std::uint64_t line = range.location; line < range.end() && line < lines.size(); ++line) {
+            if (settings.xml)
+                appendXMLEntry(out, *section, line);
+            else
+                appendLine(out, *section, lines[line], settings.verbose);
+        }
+        writeOutput(out);
+        out.clear();
+    }
+    if (settings.xml)
+        writeOutput("</target>\n");
+}
+
+int blame(const CLI::App& command, const Settings& settings)
+{
+    checkArgumentCount(command, settings.arguments, 1, static_cast<std::size_t>(-1));
+    if (settings.xml && settings.verbose)
+        throwUsageError(command.get_name(), TesseraArgumentParsingError, "'verbose' option invalid in XML mode");
+    if (!settings.xml && settings.incremental)
+        throwUsageError(command.get_name(), TesseraArgumentParsingError,
+                        "'incremental' option only valid in XML mode");
+    const LuSVNDiffOptions options = diffOptionsForExtensions(settings.extensions);
+    const bool wrap = settings.xml && !settings.incremental;
+    if (wrap)
+        writeOutput("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<blame>\n");
+    // A missing target is a warning, and the others are still blamed.
+    bool missing = false;
+    for (const std::string& target : settings.arguments) {
+        try {
+            blameTarget(settings, target, options);
+        } catch (const LuSVNException& failure) {
+            const auto code = failure.status();
+            if (code != 155010 && code != 150000 && code != 160013)  // not found in the working copy or repository
+                throw;
+            printWarning(static_cast<int>(code), failure.reason());
+            missing = true;
+        }
+    }
+    if (wrap)
+        writeOutput("</blame>\n");
+    if (missing)
+        LuSVNException::exceptionWithReason(
+            "Could not perform blame on all targets because some targets don't exist", 200009)
+            ->raise();
+    return 0;
+}
+
+const TesseraCommand blameCommand(
+    {"blame",
+     {"praise", "annotate", "ann"},
+     "Show when each line of a file was last changed, and by whom.",
+     "blame FILE[@REV]...",
+     "Each line of the working file is shown with the revision and author\n"
+     "that last changed it; lines changed in the working file show \"-\".\n"
+     "With -r, the lines of the base text over the revisions given (the end\n"
+     "being BASE).\n"
+     "\n"
+     "With --local, the blame of the base text is laid over the working\n"
+     "file by comparing the two, instead of by Subversion's walk."},
+    [](CLI::App& command) -> TesseraCommand::Action {
+        auto settings = std::make_shared<Settings>();
+        addRevisionRangeOption(command, settings->revision);
+        addFlag(command, "-v,--verbose", settings->verbose, "print the date of each line's revision too");
+        addFlag(command, "--xml", settings->xml, "output in XML");
+        addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
+        addOption(
+            command, "-x,--extensions", [settings](const std::string& text) { settings->extensions = text; },
+            "how lines are compared: -b (--ignore-space-change),\n"
+            "-w (--ignore-all-space), --ignore-eol-style");
+        addFlag(command, "--local", settings->local, "lay the committed blame over the working file's edits");
+        addArguments(command, settings->arguments);
+        return [settings, &command] { return blame(command, *settings); };
+    });
+
+}  // namespace

@@ -1,0 +1,302 @@
+// tessera log [TARGET[@REV]]: the history of a path or URL, as svn log prints
+// it (or its XML).
+//
+// Each revision is printed as the library's log hands it over and then
+// dropped, so that the memory of a long history stays flat.
+#include <tessera/LuSVNLogItem.h>
+#include <tessera/LuSVNLogMessageReceiver.h>
+#include <tessera/LuSVNLogOptions.h>
+#include <tessera/Tessera.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <fnmatch.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Command.h"
+#include "HistoryOptions.h"
+#include "Messages.h"
+#include "Operation.h"
+#include "Options.h"
+#include "RevisionDates.h"
+#include "XMLText.h"
+
+namespace {
+
+constexpr const char* separator = "------------------------------------------------------------------------\n";
+
+struct Settings {
+    std::vector<std::string> arguments;
+    std::optional<std::string> revision;
+    std::optional<std::string> change;
+    std::optional<std::string> limit;
+    // --search starts a group, --search-and adds to the last one; an item
+    // matches when all patterns of any group match.
+    std::vector<std::vector<std::string>> searchGroups;
+    bool verbose = false;
+    bool quiet = false;
+    bool stopOnCopy = false;
+    bool xml = false;
+    bool incremental = false;
+};
+
+// Line breaks as svn counts them: "\r\n", "\r" and "\n" one each.
+int lineCount(const std::string& message)
+{
+    int lines = 1;
+    for (std::size_t at = 0; at < message.size(); ++at) {
+        if (message[at] == '\r' && at + 1 < message.size() && message[at + 1] == '\n')
+            ++at;
+        lines += message[at] == '\n' || message[at] == '\r';
+    }
+    return lines;
+}
+
+std::string lowercase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+// A pattern matches anywhere in the text (as grep), regardless of case.
+bool matches(const std::string& pattern, const std::optional<std::string>& text)
+{
+    return text && fnmatch(("*" + pattern + "*").c_str(), lowercase(*text).c_str(), 0) == 0;
+}
+
+// Author, date and message, and with `verbose` the changed paths and their
+// copy sources.
+bool matchesPattern(const std::string& pattern, const LuSVNLogItem& item, const std::optional<std::string>& message,
+                    bool verbose)
+{
+    if (matches(pattern, item.author()) || (item.date() && matches(pattern, repositoryDate(*item.date()))) ||
+        matches(pattern, message))
+        return true;
+    if (verbose)
+        for (const auto& change : item.changes())
+            if (matches(pattern, change->path()) || (change->copyRevision() >= 0 && matches(pattern, change->copyPath())))
+                return true;
+    return false;
+}
+
+bool matchesSearch(const Settings& settings, const LuSVNLogItem& item, const std::optional<std::string>& message)
+{
+    if (settings.searchGroups.empty())
+        return true;
+    return std::any_of(settings.searchGroups.begin(), settings.searchGroups.end(), [&](const auto& group) {
+        return std::all_of(group.begin(), group.end(), [&](const std::string& pattern) {
+            return matchesPattern(pattern, item, message, settings.verbose);
+        });
+    });
+}
+
+// The changes in svn's order: by path.
+LuSVNLogItem::Changes sortedChanges(const LuSVNLogItem& item)
+{
+    auto changes = item.changes();
+    std::sort(changes.begin(), changes.end(), [](const auto& a, const auto& b) { return a->path() < b->path(); });
+    return changes;
+}
+
+void appendText(std::string& out, const LuSVNLogItem& item, const std::optional<std::string>& message, bool verbose)
+{
+    out += separator;
+    out += "r" + std::to_string(item.revision()) + " | " + item.author().value_or("(no author)") + " | " +
+           (item.date() ? humanDate(*item.date()) : "(no date)");
+    if (message) {
+        const int lines = lineCount(*message);
+        out += " | " + std::to_string(lines) + (lines == 1 ? " line" : " lines");
+    }
+    out += '\n';
+    if (verbose) {
+        out += "Changed paths:\n";
+        for (const auto& change : sortedChanges(item)) {
+            out += "   ";
+            out += LuSVNCharFromLogAction(change->action());
+            out += " " + change->path();
+            if (change->copyPath() && change->copyRevision() >= 0)
+                out += " (from " + *change->copyPath() + ":" + std::to_string(change->copyRevision()) + ")";
+            out += '\n';
+        }
+    }
+    if (message)
+        out += "\n" + *message + "\n";
+}
+
+void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<std::string>& message, bool verbose)
+{
+    appendXMLOpenTag(out, "logentry", {{"revision", std::to_string(item.revision())}});
+    if (item.author())
+        appendXMLTaggedData(out, "author", *item.author());
+    if (item.date())
+        appendXMLTaggedData(out, "date", repositoryDate(*item.date()));
+    if (verbose) {
+        appendXMLOpenTag(out, "paths", {});
+        for (const auto& change : sortedChanges(item)) {
+            std::vector<std::pair<std::string, std::string>> attributes{
+                {"action", std::string(1, LuSVNCharFromLogAction(change->action()))}};
+            if (change->copyPath() && change->copyRevision() >= 0) {
+                attributes.emplace_back("copyfrom-path", *change->copyPath());
+                attributes.emplace_back("copyfrom-rev", std::to_string(change->copyRevision()));
+            }
+            appendXMLOpenTag(out, "path", attributes, true);
+            appendXMLData(out, change->path());
+            out += "</path>\n";
+        }
+        out += "</paths>\n";
+    }
+    if (message)
+        appendXMLTaggedData(out, "msg", *message);
+    out += "</logentry>\n";
+}
+
+// Prints each item as it arrives and keeps none.
+class Printer : public LuSVNLogMessageReceiverDelegate {
+public:
+    explicit Printer(const Settings& settings) : settings_(settings) {}
+
+    bool logItemReceived(const std::shared_ptr<LuSVNLogItem>& item) override
+    {
+        // svn does not fetch the message when quiet.
+        std::optional<std::string> message = settings_.quiet ? std::nullopt : item->message();
+        if (item->revision() == 0 && !message)
+            return true;
+        if (!settings_.quiet && !message && !settings_.xml)
+            message = "";
+        if (!matchesSearch(settings_, *item, message))
+            return true;
+        out_.clear();
+        if (settings_.xml)
+            appendXML(out_, *item, message, settings_.verbose);
+        else
+            appendText(out_, *item, message, settings_.verbose);
+        writeOutput(out_);
+        return true;
+    }
+    bool keepsLogItems() const override { return false; }
+
+private:
+    const Settings& settings_;
+    std::string out_;
+};
+
+std::int32_t parseLimit(const std::string& text)
+{
+    char* end = nullptr;
+    const long limit = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0')
+        throwErrorChain({{TesseraArgumentParsingError, "Non-numeric limit argument given"},
+                         {200004, "Could not convert '" + text + "' into a number"}});
+    if (limit <= 0)
+        LuSVNException::exceptionWithReason("Argument to --limit must be positive", 200004)->raise();
+    return static_cast<std::int32_t>(std::min(limit, 0x7fffffffL));
+}
+
+int log(const Settings& settings)
+{
+    if (settings.revision && settings.change)
+        LuSVNException::exceptionWithReason("-c and -r are mutually exclusive", 195002)->raise();
+    LuSVNLogOptions options;
+    if (settings.limit)
+        options.setLimit(parseLimit(*settings.limit));
+    const std::string argument = settings.arguments.empty() ? "." : settings.arguments.front();
+    const auto [target, peg] = splitPegRevision(argument);
+    const bool url = isURL(target);
+
+    std::shared_ptr<const LuSVNRevisionSpec> from;
+    std::shared_ptr<const LuSVNRevisionSpec> to;
+    if (settings.change) {
+        // -c N and -c -N alike: that revision alone.
+        from = to = LuSVNRevisionSpec::revisionWithNumber(std::abs(changeNumber(*settings.change)));
+    } else if (settings.revision) {
+        std::tie(from, to) = parseRevisionRange(*settings.revision);
+        if (!to)
+            to = from;
+    } else {
+        // The whole history down from the peg, or from where the target
+        // stands: HEAD for a URL, the working copy's base for a path.
+        from = peg ? peg : url ? LuSVNRevisionSpec::HEAD() : LuSVNRevisionSpec::BASE();
+        to = LuSVNRevisionSpec::revisionWithNumber(0);
+    }
+    options.setFromRevision(from->keyRevision());
+    options.setToRevision(to->keyRevision());
+    if (peg)
+        options.setPegRevision(peg->keyRevision());
+    options.setDiscoverChangedPaths(settings.verbose);
+    options.setTraverseCopyHistory(!settings.stopOnCopy);
+
+    TesseraOperation operation(url ? target : absoluteTargetPath(target), {true, false});
+    const LuSVNNode::Path path = url ? LuSVNNode::Path(LuSVNURL::URLWithString(target))
+                                     : LuSVNNode::Path(targetPath(target));
+    if (settings.xml && !settings.incremental)
+        writeOutput("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<log>\n");
+    LuSVNNode::readLogForNodeAtPath(path, std::make_shared<Printer>(settings), options, operation.context());
+    if (!settings.incremental)
+        writeOutput(settings.xml ? "</log>\n" : separator);
+    return 0;
+}
+
+const TesseraCommand logCommand(
+    {"log",
+     {},
+     "Show the log messages for a set of revision(s) and/or path(s).",
+     "log [PATH][@REV]\n"
+     "log URL[@REV]",
+     "Show the log messages of the path or URL (the current directory when\n"
+     "none is given), from the revision it stands at down to revision 0,\n"
+     "or for the revisions given by -r or -c. Each log message is printed\n"
+     "once; with -v the paths changed in each revision are listed too.\n"
+     "\n"
+     "With --search, only the log messages whose author, date, message or\n"
+     "(with -v) changed paths match the pattern are shown; ? and * are\n"
+     "wildcards and case is ignored. Several --search options show the\n"
+     "revisions that match any; --search-and narrows the last one."},
+    [](CLI::App& command) -> TesseraCommand::Action {
+        auto settings = std::make_shared<Settings>();
+        addRevisionRangeOption(command, settings->revision);
+        addChangeOption(command, settings->change);
+        addFlag(command, "-q,--quiet", settings->quiet, "do not print the log message");
+        addFlag(command, "-v,--verbose", settings->verbose, "print the paths changed in each revision");
+        addOption(
+            command, "-l,--limit", [settings](const std::string& text) { settings->limit = text; },
+            "maximum number of log entries");
+        addFlag(command, "--stop-on-copy", settings->stopOnCopy, "do not cross copies while traversing history");
+        addFlag(command, "--xml", settings->xml, "output in XML");
+        addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
+        // Each occurrence counts, in command-line order.
+        addOption(
+            command, "--search",
+            [settings](const std::string& text) { settings->searchGroups.push_back({lowercase(text)}); },
+            "use ARG as search pattern (glob syntax)")
+            ->trigger_on_parse();
+        addOption(
+            command, "--search-and",
+            [settings](const std::string& text) {
+                if (settings->searchGroups.empty())
+                    settings->searchGroups.emplace_back();
+                settings->searchGroups.back().push_back(lowercase(text));
+            },
+            "combine ARG with the previous search pattern")
+            ->trigger_on_parse();
+        addArguments(command, settings->arguments);
+        return [settings, &command] {
+            // The library's log follows one path; svn takes several only
+            // as paths below a URL.
+            if (settings->arguments.size() > 1 && !isURL(settings->arguments.front()))
+                LuSVNException::exceptionWithReason("When specifying working copy paths, only one target may be "
+                                                    "given",
+                                                    200007)
+                    ->raise();
+            checkArgumentCount(command, settings->arguments, 0, 1);
+            return log(*settings);
+        };
+    });
+
+}  // namespace
