@@ -221,6 +221,8 @@ int runTessera(int argc, char** argv)
         LuSVNInitialize();
         try {
             return parsed.action();
+        } catch (const TesseraOptionValueError&) {
+            throw;
         } catch (const LuSVNException& failure) {
             // Bad arguments found while running point to the command's help.
             auto links = errorLinks(failure);

@@ -69,7 +69,7 @@ LuSVNDiffOptions diffOptionsForExtensions(const std::optional<std::string>& exte
 
 void raiseArgumentError(const std::string& message)
 {
-    throwErrorChain({{TesseraArgumentParsingError, message}});
+    throwOptionValueError({{TesseraArgumentParsingError, message}});
 }
 
 void writeOutput(const std::string& text)

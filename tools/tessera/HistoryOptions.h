@@ -31,7 +31,8 @@ std::int32_t changeNumber(const std::string& text);
 /// over "invalid option: --WORD" (or "invalid option character: C").
 LuSVNDiffOptions diffOptionsForExtensions(const std::optional<std::string>& extensions);
 
-/// Raises E205000 with the message, svn's error for bad arguments.
+/// Raises E205000 with the message, svn's error for bad option values
+/// (TesseraOptionValueError: no pointer to the command's help).
 [[noreturn]] void raiseArgumentError(const std::string& message);
 
 /// Writes the text to standard output; a failed write raises svn's "Write

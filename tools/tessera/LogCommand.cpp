@@ -192,7 +192,7 @@ std::int32_t parseLimit(const std::string& text)
     char* end = nullptr;
     const long limit = std::strtol(text.c_str(), &end, 10);
     if (text.empty() || *end != '\0')
-        throwErrorChain({{TesseraArgumentParsingError, "Non-numeric limit argument given"},
+        throwOptionValueError({{TesseraArgumentParsingError, "Non-numeric limit argument given"},
                          {200004, "Could not convert '" + text + "' into a number"}});
     if (limit <= 0)
         LuSVNException::exceptionWithReason("Argument to --limit must be positive", 200004)->raise();

@@ -48,7 +48,9 @@ void throwUsageError(const std::string& command, int code, const std::string& me
     throwErrorChain({{code, "Try 'tessera help " + command + "' for more information"}, {code, message}});
 }
 
-void throwErrorChain(const std::vector<std::pair<int, std::string>>& links)
+namespace {
+
+LuSVNErrorDictionary errorChain(const std::vector<std::pair<int, std::string>>& links)
 {
     std::shared_ptr<LuSVNErrorDictionary> next;
     for (auto link = links.rbegin(); link != links.rend(); ++link) {
@@ -58,5 +60,19 @@ void throwErrorChain(const std::vector<std::pair<int, std::string>>& links)
         dictionary->cause = std::move(next);
         next = std::move(dictionary);
     }
-    throw LuSVNException(*next->message, *next);
+    return *next;
+}
+
+}  // namespace
+
+void throwErrorChain(const std::vector<std::pair<int, std::string>>& links)
+{
+    const LuSVNErrorDictionary chain = errorChain(links);
+    throw LuSVNException(*chain.message, chain);
+}
+
+void throwOptionValueError(const std::vector<std::pair<int, std::string>>& links)
+{
+    const LuSVNErrorDictionary chain = errorChain(links);
+    throw TesseraOptionValueError(*chain.message, chain);
 }

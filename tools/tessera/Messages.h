@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-class LuSVNException;
+#include <tessera/LuSVNException.h>
 
 /// svn's code of an error that stands for bad command-line arguments.
 inline constexpr int TesseraArgumentParsingError = 205000;
@@ -34,3 +34,14 @@ void printWarning(int code, const std::string& message);
 /// Raises the chain of errors given outermost first, as svn prints an
 /// error it wrapped: one line each, in that order.
 [[noreturn]] void throwErrorChain(const std::vector<std::pair<int, std::string>>& links);
+
+/// A bad option value ("-r 1:x", "-l x", "-c 0"). svn finds those while it
+/// reads its options, before the command runs, so they are printed without
+/// the way to the command's help that other argument errors get.
+class TesseraOptionValueError : public LuSVNException {
+public:
+    using LuSVNException::LuSVNException;
+};
+
+/// throwErrorChain, as a TesseraOptionValueError.
+[[noreturn]] void throwOptionValueError(const std::vector<std::pair<int, std::string>>& links);

@@ -330,9 +330,7 @@ std::pair<std::shared_ptr<const LuSVNRevisionSpec>, std::shared_ptr<const LuSVNR
     const auto revision = parseOneRevision(text.substr(0, colon));
     const auto end = colon == std::string::npos ? nullptr : parseOneRevision(text.substr(colon + 1));
     if (!revision || (colon != std::string::npos && !end))
-        LuSVNException::exceptionWithReason("Syntax error in revision argument '" + text + "'",
-                                            TesseraArgumentParsingError)
-            ->raise();
+        throwOptionValueError({{TesseraArgumentParsingError, "Syntax error in revision argument '" + text + "'"}});
     return {revision, end};
 }
 
