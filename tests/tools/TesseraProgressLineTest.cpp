@@ -46,6 +46,18 @@ TEST(TesseraProgressLine, RedrawnAtMostEachIntervalAndErased)
     EXPECT_EQ(written(stream), "\r\x1b[K0 B, 0 items\r\x1b[K\r\x1b[K2.0 KiB at 2.0 KiB/s, 3 items\r\x1b[K");
     std::fclose(stream);
 
+    // Figures held back by the interval are drawn once more at the end, then erased.
+    stream = std::tmpfile();
+    {
+        TesseraProgressLine line(stream, true);
+        line.update(0, 0, start);
+        line.update(4096, 7, start + 2s);
+        line.update(8192, 9, start + 2s + 10ms);
+    }
+    EXPECT_EQ(written(stream), "\r\x1b[K0 B, 0 items\r\x1b[K4.0 KiB at 2.0 KiB/s, 7 items"
+                               "\r\x1b[K8.0 KiB at 4.0 KiB/s, 9 items\r\x1b[K");
+    std::fclose(stream);
+
     // Not on a terminal (or quiet): nothing at all.
     stream = std::tmpfile();
     {

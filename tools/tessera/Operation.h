@@ -38,7 +38,7 @@ public:
     const std::shared_ptr<TesseraNotifier>& notifier() const { return notifier_; }
     /// Takes the progress line away for good, before the command's own last
     /// lines.
-    void finishProgress() { progress_.erase(); }
+    void finishProgress() { progress_.finish(); }
 
 private:
     TesseraProgressLine progress_;

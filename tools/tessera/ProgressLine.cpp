@@ -36,13 +36,16 @@ TesseraProgressLine::TesseraProgressLine(std::FILE* stream, bool enabled) : stre
 
 TesseraProgressLine::~TesseraProgressLine()
 {
-    erase();
+    finish();
 }
 
 void TesseraProgressLine::update(std::int64_t bytes, std::int64_t items, Clock::time_point now)
 {
     if (!enabled_)
         return;
+    bytes_ = bytes;
+    items_ = items;
+    last_ = now;
     // The first figures show at once; later ones wait their turn, also
     // after an erase, so that output between them does not speed it up.
     if (!started_) {
@@ -51,10 +54,24 @@ void TesseraProgressLine::update(std::int64_t bytes, std::int64_t items, Clock::
     } else if (now - lastDrawn_ < redrawInterval) {
         return;
     }
+    draw(now);
+}
+
+void TesseraProgressLine::draw(Clock::time_point now)
+{
     lastDrawn_ = now;
     shown_ = true;
-    std::fprintf(stream_, "%s%s", eraseLine, progressText(bytes, now - start_, items).c_str());
+    std::fprintf(stream_, "%s%s", eraseLine, progressText(bytes_, last_ - start_, items_).c_str());
     std::fflush(stream_);
+}
+
+void TesseraProgressLine::finish()
+{
+    // The final figures go out too, though erased at once: a recording of the
+    // terminal then ends with them.
+    if (enabled_ && started_ && last_ != lastDrawn_)
+        draw(last_);
+    erase();
 }
 
 void TesseraProgressLine::erase()

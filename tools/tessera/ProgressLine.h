@@ -24,7 +24,7 @@ public:
     /// Draws on the stream only when enabled; the time of the first update
     /// is the start of the transfer.
     TesseraProgressLine(std::FILE* stream, bool enabled);
-    /// Erases the line.
+    /// finish().
     ~TesseraProgressLine();
     TesseraProgressLine(const TesseraProgressLine&) = delete;
     TesseraProgressLine& operator=(const TesseraProgressLine&) = delete;
@@ -34,15 +34,24 @@ public:
     void update(std::int64_t bytes, std::int64_t items, Clock::time_point now);
     /// Takes the line away (until the next redraw), as before other output.
     void erase();
+    /// Draws the last figures when they were held back by the redraw
+    /// interval, and takes the line away: the transfer has ended.
+    void finish();
 
     /// The least time between two redraws.
     static constexpr Clock::duration redrawInterval = std::chrono::milliseconds(200);
 
 private:
+    void draw(Clock::time_point now);
+
     std::FILE* stream_;
     bool enabled_;
     bool shown_ = false;
     bool started_ = false;
     Clock::time_point start_;
     Clock::time_point lastDrawn_;
+    // The latest figures and their time.
+    std::int64_t bytes_ = 0;
+    std::int64_t items_ = 0;
+    Clock::time_point last_;
 };
