@@ -46,8 +46,9 @@ public:
                                                           const LuSVNAuthParameters& parameters,
                                                           std::shared_ptr<void>& contextInfo) override;
     /// Stores the credentials for the realm, never expiring, unless they are
-    /// the ones this provider just answered for it (their entry and its
-    /// policy stay as they are, so a single-use entry stays used up).
+    /// those this provider answered at its last request for the realm (their
+    /// entry and its policy stay as they are, so a single-use entry stays
+    /// used up).
     /// Answers false, so that Subversion offers them to its stores too.
     bool saveCredentials(const std::shared_ptr<LuSVNCredentials>& credentials,
                          const std::optional<std::string>& realm, const LuSVNAuthParameters& parameters) override;
@@ -61,6 +62,6 @@ private:
     mutable std::mutex mutex_;
     std::shared_ptr<LuSVNCredentialsCache> cache_;
     const LuSVNCredentialsClass& credentialsClass_;
-    // What was last answered per realm, until Subversion saves it.
+    // What the last request of each realm answered, if anything.
     std::map<std::string, std::shared_ptr<LuSVNCredentials>> answered_;
 };

@@ -41,10 +41,13 @@ std::shared_ptr<LuSVNCredentials> LuSVNCredentialsCacheAuthenticationProvider::c
 {
     LUSVN_PARAMETER_ASSERT(realm.has_value(), "realm != nil");
     auto credentials = credentialsCache()->credentialsOfKind(credentialsClass_, *realm);
-    if (!credentials || !credentials->validateWithParameters(parameters))
-        return nullptr;
+    if (credentials && !credentials->validateWithParameters(parameters))
+        credentials = nullptr;
     std::lock_guard lock(mutex_);
-    answered_[*realm] = credentials;
+    if (credentials)
+        answered_[*realm] = credentials;
+    else
+        answered_.erase(*realm);
     return credentials;
 }
 
@@ -54,13 +57,13 @@ bool LuSVNCredentialsCacheAuthenticationProvider::saveCredentials(const std::sha
 {
     LUSVN_PARAMETER_ASSERT(credentials != nullptr, "credentials != nil");
     LUSVN_PARAMETER_ASSERT(realm.has_value(), "realm != nil");
+    // Subversion offers what worked to the provider that answered, then to
+    // every provider of the kind: this one is asked twice for its own answer.
     std::shared_ptr<LuSVNCredentials> answered;
     {
         std::lock_guard lock(mutex_);
-        if (const auto found = answered_.find(*realm); found != answered_.end()) {
-            answered = std::move(found->second);
-            answered_.erase(found);
-        }
+        if (const auto found = answered_.find(*realm); found != answered_.end())
+            answered = found->second;
     }
     if (!answered || !answered->isEqual(credentials))
         credentialsCache()->setCredentials(credentials, *realm);

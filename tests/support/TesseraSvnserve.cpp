@@ -47,13 +47,33 @@ bool acceptsConnections(int port)
 
 }  // namespace
 
-Svnserve::Svnserve()
+Svnserve::Svnserve(bool anonymousRead)
 {
     const std::string repository = root / "repo";
-    makeRepository(repository);
-    writeFile(repository + "/conf/svnserve.conf", "[general]\nanon-access = none\nauth-access = write\n"
-                                                  "password-db = passwd\nrealm = " + std::string(realmName) + "\n");
-    writeFile(repository + "/conf/passwd", "[users]\nalice = wonderland\n");
+    const std::string fileURL = makeRepository(repository);
+    const std::string tree = root / "tree";
+    for (const char* file : {"trunk/file.txt", "private/secret.txt", "denied/hidden.txt"}) {
+        std::filesystem::create_directories(std::filesystem::path(tree + "/" + file).parent_path());
+        writeFile(tree + "/" + file, std::string(file) + "\n");
+    }
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"import", "-q", "-m", "layout", tree, fileURL},
+             {"checkout", "-q", fileURL, root / "wc"},
+             {"propset", "-q", "color", "blue", root / "wc/private/secret.txt"},
+             {"commit", "-q", "-m", "color", root / "wc"}}) {
+        const CommandResult result = svn(arguments);
+        if (result.status != 0)
+            throw std::runtime_error("svn " + arguments[0] + " failed: " + result.output);
+    }
+    std::filesystem::remove_all(root / "wc");
+    std::filesystem::remove_all(tree);
+    writeFile(repository + "/conf/svnserve.conf",
+              std::string("[general]\nanon-access = ") + (anonymousRead ? "read" : "none") +
+                  "\nauth-access = write\npassword-db = passwd\nauthz-db = authz\nrealm = " + realmName + "\n");
+    writeFile(repository + "/conf/passwd", std::string("[users]\n") + username + " = " + password + "\n");
+    writeFile(repository + "/conf/authz", "[/]\n$anonymous = r\n$authenticated = rw\n"
+                                          "[/private]\n$anonymous =\n"
+                                          "[/denied]\n* =\n");
     const std::string svnserve =
         (std::filesystem::path(TESSERA_SVNADMIN_PROGRAM).parent_path() / "svnserve").string();
     port_ = freeLoopbackPort();

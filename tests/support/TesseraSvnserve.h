@@ -11,18 +11,24 @@
 namespace tessera_test {
 
 /// svnserve for one repository, "repo", with user "alice", password
-/// "wonderland" and anonymous access refused, on a free port of 127.0.0.1.
-/// Killed when the object goes, and by the kernel should the test process die
-/// first.
+/// "wonderland", on a free port of 127.0.0.1. The repository holds
+/// trunk/file.txt, private/secret.txt (property "color" = "blue") and
+/// denied/hidden.txt; its authz file lets anonymous users read (when
+/// anonymousRead) all but /private, alice read and write all but /denied,
+/// which nobody reads. Killed when the object goes, and by the kernel should
+/// the test process die first.
 class Svnserve {
 public:
     static constexpr const char* realmName = "Tessera Test Realm";
+    static constexpr const char* username = "alice";
+    static constexpr const char* password = "wonderland";
 
-    Svnserve();
+    explicit Svnserve(bool anonymousRead = false);
     ~Svnserve();
     Svnserve(const Svnserve&) = delete;
     Svnserve& operator=(const Svnserve&) = delete;
 
+    /// svn://127.0.0.1:PORT/repo
     std::string url() const { return "svn://127.0.0.1:" + std::to_string(port_) + "/repo"; }
     std::string realm() const { return "<svn://127.0.0.1:" + std::to_string(port_) + "> " + realmName; }
 
