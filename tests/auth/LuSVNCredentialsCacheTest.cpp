@@ -291,8 +291,14 @@ TEST_F(CredentialsCacheTest, CacheProviderKeepsWhatIsSavedButNotWhatItAnswered)
     cache->setCredentials(alice(), otherRealm, std::make_shared<LuSVNSingleUseExpiryPolicy>());
     const auto answered = provider->credentialsForRealm(otherRealm, {}, context);
     ASSERT_NE(answered, nullptr);
+    // Subversion offers them to the provider that answered, then to every one.
+    EXPECT_FALSE(provider->saveCredentials(answered->copy(), otherRealm, {}));
     EXPECT_FALSE(provider->saveCredentials(answered->copy(), otherRealm, {}));
     EXPECT_EQ(cache->credentialsOfKind(simple(), otherRealm), nullptr);
+    // What another provider got after that is kept.
+    EXPECT_EQ(provider->credentialsForRealm(otherRealm, {}, context), nullptr);
+    EXPECT_FALSE(provider->saveCredentials(answered->copy(), otherRealm, {}));
+    EXPECT_NE(cache->credentialsOfKind(simple(), otherRealm), nullptr);
 }
 
 TEST(DefaultCredentialsProviderTest, AnswersWithTheDefaultParameters)
