@@ -2,10 +2,10 @@
 // network.
 #pragma once
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
 
+#include "TesseraServerProcess.h"
 #include "TesseraTestSupport.h"
 
 namespace tessera_test {
@@ -15,8 +15,7 @@ namespace tessera_test {
 /// trunk/file.txt, private/secret.txt (property "color" = "blue") and
 /// denied/hidden.txt; its authz file lets anonymous users read (when
 /// anonymousRead) all but /private, alice read and write all but /denied,
-/// which nobody reads. Killed when the object goes, and by the kernel should
-/// the test process die first.
+/// which nobody reads. Stopped when the object goes.
 class Svnserve {
 public:
     static constexpr const char* realmName = "Tessera Test Realm";
@@ -24,7 +23,6 @@ public:
     static constexpr const char* password = "wonderland";
 
     explicit Svnserve(bool anonymousRead = false);
-    ~Svnserve();
     Svnserve(const Svnserve&) = delete;
     Svnserve& operator=(const Svnserve&) = delete;
 
@@ -33,11 +31,9 @@ public:
     std::string realm() const { return "<svn://127.0.0.1:" + std::to_string(port_) + "> " + realmName; }
 
 private:
-    void stop();
-
     TemporaryDirectory root;
     int port_ = 0;
-    pid_t pid_ = -1;
+    std::unique_ptr<ServerProcess> process_;
 };
 
 }  // namespace tessera_test
