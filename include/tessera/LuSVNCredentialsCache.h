@@ -13,6 +13,10 @@
 //       LuSVNSimpleCredentials::classObject(), cache));
 //
 // At most one entry is kept per realm and kind; a new one replaces the old.
+//
+// Subversion's authentication baton keeps the credentials that worked for a
+// realm for as long as it lives, and asks no provider again for them: expiry
+// reaches the contexts made, or whose providers were changed, after it.
 #pragma once
 
 #include <functional>
