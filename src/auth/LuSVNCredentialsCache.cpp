@@ -24,8 +24,8 @@ void LuSVNCredentialsCache::setCredentials(const std::shared_ptr<LuSVNCredential
     LUSVN_PARAMETER_ASSERT(credentials != nullptr, "creds != nil");
     LUSVN_PARAMETER_ASSERT(expiryPolicy != nullptr, "expiryPolicy != nil");
     std::lock_guard lock(mutex_);
-    credentials_[realm][credentials->kind()] = LuSVNCredentialsCacheEntry::entryWithCredentials(credentials,
-                                                                                                expiryPolicy);
+    credentials_[realm][credentials->kind()] =
+        LuSVNCredentialsCacheEntry::entryWithCredentials(credentials, expiryPolicy);
     expiryPolicy->cacheDidInsertCredentials(*this, credentials, realm);
 }
 
@@ -96,8 +96,9 @@ std::map<std::string, std::shared_ptr<LuSVNCredentials>> LuSVNCredentialsCache::
     const LuSVNCredentialsClass& kind)
 {
     std::map<std::string, std::shared_ptr<LuSVNCredentials>> found;
-    enumerateCredentialsOfKind(
-        kind, [&](const LuSVNCredentialsCacheEntry& entry, const std::string& realm) { found[realm] = entry.credentials(); });
+    enumerateCredentialsOfKind(kind, [&](const LuSVNCredentialsCacheEntry& entry, const std::string& realm) {
+        found[realm] = entry.credentials();
+    });
     return found;
 }
 

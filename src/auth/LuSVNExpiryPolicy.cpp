@@ -8,7 +8,8 @@ std::shared_ptr<LuSVNExpiryPolicy> LuSVNExpiryPolicy::policy()
     return std::make_shared<LuSVNExpiryPolicy>();
 }
 
-std::shared_ptr<LuSVNExpiryPolicy> LuSVNExpiryPolicy::policyWithNextPolicy(std::shared_ptr<LuSVNExpiryPolicy> nextPolicy)
+std::shared_ptr<LuSVNExpiryPolicy> LuSVNExpiryPolicy::policyWithNextPolicy(
+    std::shared_ptr<LuSVNExpiryPolicy> nextPolicy)
 {
     return std::make_shared<LuSVNExpiryPolicy>(std::move(nextPolicy));
 }

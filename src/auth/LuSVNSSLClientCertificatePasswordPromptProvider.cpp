@@ -8,7 +8,8 @@ using namespace tessera_private;
 
 namespace {
 
-svn_error_t* clientCertificatePasswordPrompt(svn_auth_cred_ssl_client_cert_pw_t** creds, void* baton, const char* realm, svn_boolean_t may_save, apr_pool_t* pool)
+svn_error_t* clientCertificatePasswordPrompt(svn_auth_cred_ssl_client_cert_pw_t** creds, void* baton, const char* realm,
+                                             svn_boolean_t may_save, apr_pool_t* pool)
 {
     return LuSVNAskDelegate(
         reinterpret_cast<void**>(creds), baton, realm, pool, "SSL client certificate password", false,
@@ -17,11 +18,11 @@ svn_error_t* clientCertificatePasswordPrompt(svn_auth_cred_ssl_client_cert_pw_t*
             credentials->setMaySave(may_save != 0);
             return credentials;
         },
-                            [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
-                               LuSVNSSLClientCertificatePasswordCredentials& asked, const std::optional<std::string>& realmText,
-                               std::int32_t retryCount) {
-                                return delegate.promptForSSLClientCertificatePasswordCredentials(provider, asked, realmText, retryCount);
-                            });
+        [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
+           LuSVNSSLClientCertificatePasswordCredentials& asked, const std::optional<std::string>& realmText,
+           std::int32_t retryCount) {
+            return delegate.promptForSSLClientCertificatePasswordCredentials(provider, asked, realmText, retryCount);
+        });
 }
 
 }  // namespace
@@ -31,7 +32,8 @@ const LuSVNCredentialsClass& LuSVNSSLClientCertificatePasswordPromptProvider::cr
     return LuSVNSSLClientCertificatePasswordCredentials::classObject();
 }
 
-svn_auth_provider_object_t* LuSVNSSLClientCertificatePasswordPromptProvider::builtInProviderObjectFromPool(apr_pool_t* pool)
+svn_auth_provider_object_t* LuSVNSSLClientCertificatePasswordPromptProvider::builtInProviderObjectFromPool(
+    apr_pool_t* pool)
 {
     LuSVNBuiltInAuthenticationProvider::builtInProviderObjectFromPool(pool);
     svn_auth_provider_object_t* provider = nullptr;

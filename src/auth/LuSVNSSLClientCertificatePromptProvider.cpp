@@ -8,7 +8,8 @@ using namespace tessera_private;
 
 namespace {
 
-svn_error_t* clientCertificatePrompt(svn_auth_cred_ssl_client_cert_t** creds, void* baton, const char* realm, svn_boolean_t may_save, apr_pool_t* pool)
+svn_error_t* clientCertificatePrompt(svn_auth_cred_ssl_client_cert_t** creds, void* baton, const char* realm,
+                                     svn_boolean_t may_save, apr_pool_t* pool)
 {
     return LuSVNAskDelegate(
         reinterpret_cast<void**>(creds), baton, realm, pool, "SSL client certificate", true,
@@ -17,11 +18,11 @@ svn_error_t* clientCertificatePrompt(svn_auth_cred_ssl_client_cert_t** creds, vo
             credentials->setMaySave(may_save != 0);
             return credentials;
         },
-                            [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
-                               LuSVNSSLClientCertificateCredentials& asked, const std::optional<std::string>& realmText,
-                               std::int32_t retryCount) {
-                                return delegate.promptForSSLClientCertificateCredentials(provider, asked, realmText, retryCount);
-                            });
+        [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
+           LuSVNSSLClientCertificateCredentials& asked, const std::optional<std::string>& realmText,
+           std::int32_t retryCount) {
+            return delegate.promptForSSLClientCertificateCredentials(provider, asked, realmText, retryCount);
+        });
 }
 
 }  // namespace

@@ -8,7 +8,8 @@ using namespace tessera_private;
 
 namespace {
 
-svn_error_t* simplePrompt(svn_auth_cred_simple_t** creds, void* baton, const char* realm, const char* username, svn_boolean_t may_save, apr_pool_t* pool)
+svn_error_t* simplePrompt(svn_auth_cred_simple_t** creds, void* baton, const char* realm, const char* username,
+                          svn_boolean_t may_save, apr_pool_t* pool)
 {
     return LuSVNAskDelegate(
         reinterpret_cast<void**>(creds), baton, realm, pool, "simple", false,
@@ -19,11 +20,10 @@ svn_error_t* simplePrompt(svn_auth_cred_simple_t** creds, void* baton, const cha
                 credentials->setUsername(username);
             return credentials;
         },
-                            [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
-                               LuSVNSimpleCredentials& asked, const std::optional<std::string>& realmText,
-                               std::int32_t retryCount) {
-                                return delegate.promptForSimpleCredentials(provider, asked, realmText, retryCount);
-                            });
+        [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
+           LuSVNSimpleCredentials& asked, const std::optional<std::string>& realmText, std::int32_t retryCount) {
+            return delegate.promptForSimpleCredentials(provider, asked, realmText, retryCount);
+        });
 }
 
 }  // namespace

@@ -67,8 +67,9 @@ private:
         std::unique_lock lock(mutex_);
         for (;;) {
             const std::uint64_t seen = changes_;
-            const auto due = std::find_if(timers_.begin(), timers_.end(),
-                                          [](const auto& timer) { return timer.second.clock->now() >= timer.second.time; });
+            const auto due = std::find_if(timers_.begin(), timers_.end(), [](const auto& timer) {
+                return timer.second.clock->now() >= timer.second.time;
+            });
             if (due != timers_.end()) {
                 Timer timer = std::move(due->second);
                 timers_.erase(due);

@@ -8,7 +8,8 @@ using namespace tessera_private;
 
 namespace {
 
-svn_error_t* usernamePrompt(svn_auth_cred_username_t** creds, void* baton, const char* realm, svn_boolean_t may_save, apr_pool_t* pool)
+svn_error_t* usernamePrompt(svn_auth_cred_username_t** creds, void* baton, const char* realm, svn_boolean_t may_save,
+                            apr_pool_t* pool)
 {
     return LuSVNAskDelegate(
         reinterpret_cast<void**>(creds), baton, realm, pool, "username", false,
@@ -17,11 +18,10 @@ svn_error_t* usernamePrompt(svn_auth_cred_username_t** creds, void* baton, const
             credentials->setMaySave(may_save != 0);
             return credentials;
         },
-                            [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
-                               LuSVNUsernameCredentials& asked, const std::optional<std::string>& realmText,
-                               std::int32_t retryCount) {
-                                return delegate.promptForUsernameCredentials(provider, asked, realmText, retryCount);
-                            });
+        [](LuSVNAuthenticationProviderDelegate& delegate, LuSVNAuthenticationProvider& provider,
+           LuSVNUsernameCredentials& asked, const std::optional<std::string>& realmText, std::int32_t retryCount) {
+            return delegate.promptForUsernameCredentials(provider, asked, realmText, retryCount);
+        });
 }
 
 }  // namespace

@@ -43,8 +43,7 @@ public:
     std::vector<std::string> asked;
 
     std::optional<bool> promptForSimpleCredentials(LuSVNAuthenticationProvider&, LuSVNSimpleCredentials& creds,
-                                                   const std::optional<std::string>& realm,
-                                                   std::int32_t retry) override
+                                                   const std::optional<std::string>& realm, std::int32_t retry) override
     {
         asked.push_back("password " + realm.value_or("") + " " + std::to_string(retry));
         creds.setUsername(Apache::username);
@@ -53,9 +52,8 @@ public:
         return true;
     }
     std::optional<bool> promptForAuthenticationErrors(LuSVNAuthenticationProvider&, std::uint32_t failures,
-                                                      const LuSVNCertificate& cert,
-                                                      const std::optional<std::string>&, bool,
-                                                      bool& permanent) override
+                                                      const LuSVNCertificate& cert, const std::optional<std::string>&,
+                                                      bool, bool& permanent) override
     {
         asked.push_back("trust " + LuSVNStringFromSSLError(failures) + " " + cert.hostname());
         permanent = permanently;
@@ -101,8 +99,8 @@ protected:
 
     std::shared_ptr<LuSVNContext> contextWith(Providers providers)
     {
-        auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle(), {},
-                                                       config.path());
+        auto context =
+            LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle(), {}, config.path());
         for (auto& provider : providers)
             provider->setDelegate(person);
         context->authenticationStack()->setProviders(std::move(providers));
@@ -126,8 +124,7 @@ protected:
 
     static LuSVNAuthenticationStack::Provider trusting(std::shared_ptr<LuSVNSSLServerTrustPolicy> policy)
     {
-        return LuSVNSSLServerTrustPolicyAuthenticationProvider::providerWithServerTrustPolicy(std::move(policy),
-                                                                                             false);
+        return LuSVNSSLServerTrustPolicyAuthenticationProvider::providerWithServerTrustPolicy(std::move(policy), false);
     }
     static LuSVNAuthenticationStack::Provider password()
     {
@@ -156,8 +153,8 @@ TEST_F(ApacheScenarioTest, TrustPoliciesAcceptExactlyTheFailuresTheyName)
         {"unknown CA", [] { return P::policyAcceptingErrors(unknownCA); }, basic, true},
         {"unknown CA, CN mismatch still rejected", [] { return P::policyAcceptingErrors(unknownCA); }, other, false},
         {"both", [] { return P::policyAcceptingErrors(unknownCA | mismatch); }, other, true},
-        {"unknown CA for this server", [&] { return P::policyAcceptingErrors(unknownCA, Apache::certificateRealm(basic)); },
-         basic, true},
+        {"unknown CA for this server",
+         [&] { return P::policyAcceptingErrors(unknownCA, Apache::certificateRealm(basic)); }, basic, true},
         {"unknown CA for another server",
          [&] { return P::policyAcceptingErrors(unknownCA, Apache::certificateRealm(other)); }, basic, false},
         {"all for this server", [&] { return P::policyAcceptingAllErrorsForRealm(Apache::certificateRealm(other)); },
@@ -197,10 +194,10 @@ TEST_F(ApacheScenarioTest, TheServerTrustPromptDecidesAndSubversionKeepsPermanen
         };
         // Subversion writes into the store's folder but does not make it.
         std::filesystem::create_directories(own / "auth/svn.ssl.server");
-        EXPECT_EQ(reads(server->mismatchURL(),
-                        withConfig({LuSVNAuthenticationProvider::SSLServerTrustProvider(),
-                                    LuSVNAuthenticationProvider::SSLServerTrustPromptProvider()})),
-                  c.reads);
+        EXPECT_EQ(
+            reads(server->mismatchURL(), withConfig({LuSVNAuthenticationProvider::SSLServerTrustProvider(),
+                                                     LuSVNAuthenticationProvider::SSLServerTrustPromptProvider()})),
+            c.reads);
         EXPECT_EQ(person->asked, std::vector<std::string>{"trust HostMismatch, UnknownAuthority tessera.invalid"});
         EXPECT_EQ(reads(server->mismatchURL(), withConfig({LuSVNAuthenticationProvider::SSLServerTrustProvider()})),
                   c.laterReadsFromTheStore);
@@ -218,10 +215,10 @@ TEST_F(ApacheScenarioTest, BasicAuthenticationRetriesUpToTheLimit)
     };
     const std::vector<Case> cases{
         {{}, true, {"password " + realm + " 0"}},
-        {{"looking-glass", "queen"}, true, {"password " + realm + " 0", "password " + realm + " 1",
-                                            "password " + realm + " 2"}},
-        {{"a", "b", "c"}, false, {"password " + realm + " 0", "password " + realm + " 1",
-                                  "password " + realm + " 2"}},
+        {{"looking-glass", "queen"},
+         true,
+         {"password " + realm + " 0", "password " + realm + " 1", "password " + realm + " 2"}},
+        {{"a", "b", "c"}, false, {"password " + realm + " 0", "password " + realm + " 1", "password " + realm + " 2"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.typed.size());
@@ -258,15 +255,27 @@ TEST_F(ApacheScenarioTest, ClientCertificatesFromThePromptOrTheConfiguration)
              return Providers{trusting(policy), P::SSLClientCertificatePromptProviderWithRetryLimit(1),
                               P::SSLClientCertificatePasswordPromptProviderWithRetryLimit(1)};
          },
-         false, server->clientCertificatePath(), true, {"certificate", "passphrase"}},
-        {"no certificate given", [&] { return Providers{trusting(policy), P::SSLClientCertificatePromptProviderWithRetryLimit(1)}; },
-         false, std::nullopt, false, {"certificate"}},
+         false,
+         server->clientCertificatePath(),
+         true,
+         {"certificate", "passphrase"}},
+        {"no certificate given",
+         [&] {
+             return Providers{trusting(policy), P::SSLClientCertificatePromptProviderWithRetryLimit(1)};
+         },
+         false,
+         std::nullopt,
+         false,
+         {"certificate"}},
         {"configuration",
          [&] {
              return Providers{trusting(policy), P::SSLClientCertificateProvider(),
                               P::SSLClientCertificatePasswordProvider()};
          },
-         true, std::nullopt, true, {}},
+         true,
+         std::nullopt,
+         true,
+         {}},
         {"no provider", [&] { return Providers{trusting(policy)}; }, true, std::nullopt, false, {}},
     };
     for (const Case& c : cases) {
@@ -276,8 +285,7 @@ TEST_F(ApacheScenarioTest, ClientCertificatesFromThePromptOrTheConfiguration)
         const auto context = contextWith(c.providers());
         if (c.configured) {
             context->setOption(server->clientCertificatePath(), "ssl-client-cert-file", "servers", "global");
-            context->setOption(std::string(Apache::clientPassphrase), "ssl-client-cert-password", "servers",
-                               "global");
+            context->setOption(std::string(Apache::clientPassphrase), "ssl-client-cert-password", "servers", "global");
         }
         EXPECT_EQ(reads(server->clientCertificateURL(), context), c.reads);
         EXPECT_EQ(person->asked, c.asked);

@@ -56,7 +56,8 @@ TEST_F(CredentialsCacheTest, PoliciesDecideUntilWhenCredentialsAreReturned)
 {
     const std::vector<PolicyCase> cases{
         {"never", [](auto) { return LuSVNExpiryPolicy::policy(); }, {{0s, true}, {100000s, true}, {0s, true}}},
-        {"date", [](auto now) { return LuSVNDateExpiryPolicy::policyWithExpiryDate(now + 60s); },
+        {"date",
+         [](auto now) { return LuSVNDateExpiryPolicy::policyWithExpiryDate(now + 60s); },
          {{59s, true}, {0s, true}, {1s, false}}},
         {"inactivity",
          [](auto) { return LuSVNInactivityExpiryPolicy::policyWithInactivityPeriod(60s); },
@@ -69,7 +70,7 @@ TEST_F(CredentialsCacheTest, PoliciesDecideUntilWhenCredentialsAreReturned)
                                                                 std::make_shared<LuSVNSingleUseExpiryPolicy>());
          },
          {{10s, true}, {0s, false}}},
-        {"single use after the date", 
+        {"single use after the date",
          [](auto now) {
              return LuSVNDateExpiryPolicy::policyWithExpiryDate(now + 60s,
                                                                 std::make_shared<LuSVNSingleUseExpiryPolicy>());
@@ -270,9 +271,9 @@ TEST_F(CredentialsCacheTest, CacheProviderAnswersWhatValidates)
     }
     EXPECT_EQ(provider->credentialsForRealm(otherRealm, {}, context), nullptr);
     EXPECT_EQ(provider->nextCredentialsForRealm(realm, {}, 1, context), nullptr);
-    EXPECT_EQ(std::dynamic_pointer_cast<LuSVNCredentialsCacheAuthenticationProvider>(provider->copy())
-                  ->credentialsCache(),
-              cache);
+    EXPECT_EQ(
+        std::dynamic_pointer_cast<LuSVNCredentialsCacheAuthenticationProvider>(provider->copy())->credentialsCache(),
+        cache);
 }
 
 TEST_F(CredentialsCacheTest, CacheProviderKeepsWhatIsSavedButNotWhatItAnswered)
@@ -322,8 +323,8 @@ TEST(DefaultCredentialsProviderTest, AnswersWithTheDefaultParameters)
     std::shared_ptr<void> context;
     for (std::size_t i = 0; i < cases.size(); ++i) {
         SCOPED_TRACE(i);
-        const auto answer =
-            std::dynamic_pointer_cast<LuSVNSimpleCredentials>(provider->credentialsForRealm(realm, cases[i].parameters, context));
+        const auto answer = std::dynamic_pointer_cast<LuSVNSimpleCredentials>(
+            provider->credentialsForRealm(realm, cases[i].parameters, context));
         ASSERT_EQ(answer != nullptr, cases[i].answers);
         if (!answer)
             continue;

@@ -53,7 +53,7 @@ public:
         asked_.push_back(retry);
         creds.setUsername(Svnserve::username);
         creds.setPassword(static_cast<std::size_t>(retry) < script.size() ? script[static_cast<std::size_t>(retry)]
-                                                                           : Svnserve::password);
+                                                                          : Svnserve::password);
         return true;
     }
     std::optional<bool> maySavePlainTextCredentialsForRealm(LuSVNAuthenticationProvider&,
@@ -78,9 +78,9 @@ protected:
     {
         server = new Svnserve(true);
         directory = new tessera_test::TemporaryDirectory();
-        const auto result = tessera_test::svn({"checkout", "-q", "--username", Svnserve::username, "--password",
-                                               Svnserve::password, "--no-auth-cache", server->url() + "/private",
-                                               *directory / "wc"});
+        const auto result =
+            tessera_test::svn({"checkout", "-q", "--username", Svnserve::username, "--password", Svnserve::password,
+                               "--no-auth-cache", server->url() + "/private", *directory / "wc"});
         ASSERT_EQ(result.status, 0) << result.output;
     }
     static void TearDownTestSuite()
@@ -104,7 +104,10 @@ protected:
         return context;
     }
 
-    static LuSVNPath::Path remote(const std::string& path) { return LuSVNPath::pathWithString(server->url() + "/" + path); }
+    static LuSVNPath::Path remote(const std::string& path)
+    {
+        return LuSVNPath::pathWithString(server->url() + "/" + path);
+    }
 
     // The operations of a session, each needing the password.
     using Operation = std::function<void(const std::shared_ptr<LuSVNContext>&)>;
@@ -113,8 +116,9 @@ protected:
         return {
             {"info",
              [](const auto& context) {
-                 EXPECT_EQ(LuSVNNode::kindOfNodeAtPath(remote("private/secret.txt"), LuSVNRevisionSpec::HEAD(), context),
-                           LuSVNNodeKindFile);
+                 EXPECT_EQ(
+                     LuSVNNode::kindOfNodeAtPath(remote("private/secret.txt"), LuSVNRevisionSpec::HEAD(), context),
+                     LuSVNNodeKindFile);
              }},
             {"propget",
              [](const auto& context) {
@@ -168,13 +172,15 @@ TEST_F(SvnserveScenarioTest, EveryProviderKindAuthenticates)
         {"prompt", [] { return Providers{P::simplePromptProviderWithRetryLimit(2)}; }, none, {0}},
         {"default parameters",
          [] { return Providers{LuSVNDefaultCredentialsAuthenticationProvider::defaultCredentialsProvider()}; },
-         defaults, {}},
+         defaults,
+         {}},
         {"cache",
          [&] {
              return Providers{LuSVNCredentialsCacheAuthenticationProvider::providerForCredentialsOfClass(
                  LuSVNSimpleCredentials::classObject(), cache)};
          },
-         none, {}},
+         none,
+         {}},
         // No keyring daemon runs here: the keyring answers nothing and the
         // chain goes on.
         {"keyring, then defaults",
@@ -182,7 +188,8 @@ TEST_F(SvnserveScenarioTest, EveryProviderKindAuthenticates)
              return Providers{P::keychainSimpleProvider(),
                               LuSVNDefaultCredentialsAuthenticationProvider::defaultCredentialsProvider()};
          },
-         defaults, {}},
+         defaults,
+         {}},
         {"Subversion's defaults", [] { return Providers{P::simpleProvider()}; }, defaults, {}},
     };
     for (const Case& c : cases) {
@@ -199,8 +206,7 @@ TEST_F(SvnserveScenarioTest, EveryProviderKindAuthenticates)
 
 TEST_F(SvnserveScenarioTest, WithoutCredentialsOnlyWhatAnonymousUsersMayReadIsRead)
 {
-    for (const Providers& providers :
-         {Providers{}, Providers{LuSVNAuthenticationProvider::usernameProvider()}}) {
+    for (const Providers& providers : {Providers{}, Providers{LuSVNAuthenticationProvider::usernameProvider()}}) {
         const auto context = contextWith(providers);
         EXPECT_EQ(LuSVNNode::kindOfNodeAtPath(remote("trunk/file.txt"), LuSVNRevisionSpec::HEAD(), context),
                   LuSVNNodeKindFile);
@@ -273,13 +279,16 @@ TEST_F(SvnserveScenarioTest, CachedCredentialsExpireWhileTheSessionGoesOn)
         std::vector<bool> prompted;  // per operation
     };
     const std::vector<Case> cases{
-        {"date", [](auto now) { return LuSVNDateExpiryPolicy::policyWithExpiryDate(now + 60s); },
+        {"date",
+         [](auto now) { return LuSVNDateExpiryPolicy::policyWithExpiryDate(now + 60s); },
          {0s, 30s, 59s, 60s, 90s},
          {false, false, false, true, false}},  // what the prompt got is kept, never expiring
-        {"inactivity", [](auto) { return LuSVNInactivityExpiryPolicy::policyWithInactivityPeriod(30s); },
+        {"inactivity",
+         [](auto) { return LuSVNInactivityExpiryPolicy::policyWithInactivityPeriod(30s); },
          {0s, 29s, 58s, 88s, 200s},
          {false, false, false, true, false}},
-        {"single use", [](auto) { return std::make_shared<LuSVNSingleUseExpiryPolicy>(); },
+        {"single use",
+         [](auto) { return std::make_shared<LuSVNSingleUseExpiryPolicy>(); },
          {0s, 1s, 2s},
          {false, true, false}},
     };
@@ -295,10 +304,10 @@ TEST_F(SvnserveScenarioTest, CachedCredentialsExpireWhileTheSessionGoesOn)
             elapsed = c.operationTimes[i];
             // Every operation on a context of its own: a context's baton
             // would keep what worked for as long as it lives.
-            const auto context = contextWith(
-                {LuSVNCredentialsCacheAuthenticationProvider::providerForCredentialsOfClass(
-                     LuSVNSimpleCredentials::classObject(), cache),
-                 LuSVNAuthenticationProvider::simplePromptProviderWithRetryLimit(2)});
+            const auto context =
+                contextWith({LuSVNCredentialsCacheAuthenticationProvider::providerForCredentialsOfClass(
+                                 LuSVNSimpleCredentials::classObject(), cache),
+                             LuSVNAuthenticationProvider::simplePromptProviderWithRetryLimit(2)});
             operations()[i % operations().size()].second(context);
             EXPECT_EQ(!typist->asked().empty(), c.prompted[i]);
         }
