@@ -19,17 +19,17 @@ void runOrThrow(const std::vector<std::string>& arguments)
 void selfSigned(const std::string& directory, const std::string& name, const std::string& subject,
                 const std::string& alternativeName)
 {
-    runOrThrow({TESSERA_OPENSSL_PROGRAM, "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-keyout",
-                directory + "/" + name + ".key", "-out", directory + "/" + name + ".pem", "-subj", subject,
-                "-addext", "subjectAltName=" + alternativeName});
+    runOrThrow({TESSERA_OPENSSL_PROGRAM, "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1",
+                "-nodes", "-days", "2", "-keyout", directory + "/" + name + ".key", "-out",
+                directory + "/" + name + ".pem", "-subj", subject, "-addext", "subjectAltName=" + alternativeName});
 }
 
 std::string virtualHost(int port, const std::string& certificate, const std::string& directory,
                         const std::string& access)
 {
-    return "<VirtualHost 127.0.0.1:" + std::to_string(port) + ">\n  SSLEngine on\n  SSLCertificateFile " +
-           directory + "/" + certificate + ".pem\n  SSLCertificateKeyFile " + directory + "/" + certificate +
-           ".key\n" + access + "</VirtualHost>\n";
+    return "<VirtualHost 127.0.0.1:" + std::to_string(port) + ">\n  SSLEngine on\n  SSLCertificateFile " + directory +
+           "/" + certificate + ".pem\n  SSLCertificateKeyFile " + directory + "/" + certificate + ".key\n" + access +
+           "</VirtualHost>\n";
 }
 
 std::string repositoryLocation(const std::string& directory, const std::string& access)
@@ -58,11 +58,11 @@ Apache::Apache()
     const std::string fileURL = makeRepository(directory + "/repo");
     std::filesystem::create_directories(directory + "/tree/trunk");
     writeFile(directory + "/tree/trunk/file.txt", "file\n");
-    for (const auto& arguments : std::vector<std::vector<std::string>>{
-             {"import", "-q", "-m", "layout", directory + "/tree", fileURL},
-             {"checkout", "-q", fileURL + "/trunk", directory + "/wc"},
-             {"propset", "-q", "color", "blue", directory + "/wc/file.txt"},
-             {"commit", "-q", "-m", "color", directory + "/wc"}}) {
+    for (const auto& arguments :
+         std::vector<std::vector<std::string>>{{"import", "-q", "-m", "layout", directory + "/tree", fileURL},
+                                               {"checkout", "-q", fileURL + "/trunk", directory + "/wc"},
+                                               {"propset", "-q", "color", "blue", directory + "/wc/file.txt"},
+                                               {"commit", "-q", "-m", "color", directory + "/wc"}}) {
         const CommandResult result = svn(arguments);
         if (result.status != 0)
             throw std::runtime_error("svn " + arguments[0] + " failed: " + result.output);
@@ -73,8 +73,8 @@ Apache::Apache()
     selfSigned(directory, "server", "/CN=127.0.0.1", "IP:127.0.0.1");
     selfSigned(directory, "other", "/CN=tessera.invalid", "DNS:tessera.invalid");
     selfSigned(directory, "ca", "/CN=Tessera Client CA", "DNS:ca.tessera.invalid");
-    runOrThrow({TESSERA_OPENSSL_PROGRAM, "req", "-newkey", "rsa:2048", "-nodes", "-keyout", directory + "/client.key",
-                "-out", directory + "/client.csr", "-subj", "/CN=alice"});
+    runOrThrow({TESSERA_OPENSSL_PROGRAM, "req", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
+                "-keyout", directory + "/client.key", "-out", directory + "/client.csr", "-subj", "/CN=alice"});
     runOrThrow({TESSERA_OPENSSL_PROGRAM, "x509", "-req", "-days", "2", "-in", directory + "/client.csr", "-CA",
                 directory + "/ca.pem", "-CAkey", directory + "/ca.key", "-CAcreateserial", "-out",
                 directory + "/client.pem"});
@@ -89,10 +89,11 @@ Apache::Apache()
     const std::string modules = TESSERA_APACHE_MODULES;
     std::string configuration = "ServerRoot " + directory + "\nServerName 127.0.0.1\nPidFile " + directory +
                                 "/httpd.pid\nDefaultRuntimeDir " + directory + "\nMutex file:" + directory +
-                                " default\nErrorLog " + directory + "/error.log\nLogLevel warn\n"
+                                " default\nErrorLog " + directory +
+                                "/error.log\nLogLevel warn\n"
                                 "ServerLimit 2\nThreadsPerChild 16\nMaxRequestWorkers 32\n";
-    for (const char* module : {"mpm_event", "authn_core", "authn_file", "authz_core", "authz_user", "auth_basic",
-                               "dav", "dav_svn", "ssl"})
+    for (const char* module :
+         {"mpm_event", "authn_core", "authn_file", "authz_core", "authz_user", "auth_basic", "dav", "dav_svn", "ssl"})
         configuration += "LoadModule " + std::string(module) + "_module " + modules + "/mod_" + module + ".so\n";
     for (int port : {basicPort_, mismatchPort_, clientPort_})
         configuration += "Listen 127.0.0.1:" + std::to_string(port) + "\n";
@@ -105,8 +106,10 @@ Apache::Apache()
         // Client certificates are asked for by the whole host: asking per
         // location needs a renegotiation that TLS 1.3 does not have.
         virtualHost(clientPort_, "server", directory,
-                    "  SSLCACertificateFile " + directory + "/ca.pem\n  SSLVerifyClient require\n"
-                    "  SSLVerifyDepth 1\n" + repositoryLocation(directory, "    Require all granted\n"));
+                    "  SSLCACertificateFile " + directory +
+                        "/ca.pem\n  SSLVerifyClient require\n"
+                        "  SSLVerifyDepth 1\n" +
+                        repositoryLocation(directory, "    Require all granted\n"));
     writeFile(directory + "/httpd.conf", configuration);
     ServerProcess::handOver(directory);
     process_ = std::make_unique<ServerProcess>(
