@@ -5,7 +5,7 @@
 # retried, a status -u with the user given, a commit with the stored
 # password, a non-interactive run without credentials and three wrong
 # passwords. Against an HTTPS server with a self-signed certificate: the
-# certificate accepted temporarily, then permanently, then not asked for.
+# certificate rejected, accepted temporarily, then permanently, then not asked for.
 # usage: tessera_auth_test.sh TESSERA SVN SVNADMIN APACHE2 OPENSSL APACHE-MODULES
 # (svnserve lies beside svnadmin)
 set -eu
@@ -119,6 +119,9 @@ for client in svn tessera; do
   answer "^Password for 'alice':" 3 wrong3
   finish refused
   start "$program checkout --config-dir cfg https://127.0.0.1:$https_port/svn/$client.repo https"
+  answer "^(R)eject, accept (t)emporarily or accept (p)ermanently?" 1 R
+  finish rejected
+  start "$program checkout --config-dir cfg https://127.0.0.1:$https_port/svn/$client.repo https"
   answer "^(R)eject, accept (t)emporarily or accept (p)ermanently?" 1 t
   finish temporarily
   start "$program status -u --config-dir cfg https"
@@ -128,7 +131,7 @@ for client in svn tessera; do
   finish trusted
 done
 
-for step in checkout status commit noninteractive refused temporarily permanently trusted; do
+for step in checkout status commit noninteractive refused rejected temporarily permanently trusted; do
   diff "$work/svn.$step" "$work/tessera.$step" > "$work/diff" || fail "$step: $(cat "$work/diff")"
 done
 grep -q '^Checked out revision 0.$' "$work/tessera.checkout" || fail "checkout: $(cat "$work/tessera.checkout")"
