@@ -6,6 +6,7 @@ set -eu
 packages="
   build-essential cmake ninja-build pkg-config git
   subversion libsvn-dev libapr1-dev libaprutil1-dev
+  apache2 libapache2-mod-svn apache2-utils openssl
   nlohmann-json3-dev liburiparser-dev libicu-dev libcli11-dev
   libglib2.0-dev shared-mime-info netbase
   clang libclang-rt-14-dev

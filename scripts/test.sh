@@ -33,10 +33,10 @@ echo "== fuzz targets, ${FUZZ_SECONDS:-20} s each from their seed corpora"
 FUZZ_SECONDS="${FUZZ_SECONDS:-20}" scripts/fuzz.sh
 
 echo "== threaded tests under ThreadSanitizer"
-# Only the two test programs that hold the threaded tests (and what they
+# Only the test programs that hold the threaded tests (and what they
 # need): the whole tree under ThreadSanitizer takes too long.
-TESSERA_BUILD_TARGETS="context_test frame_test" TESSERA_BUILD_DIR="$build-tsan" \
+TESSERA_BUILD_TARGETS="context_test frame_test auth_test" TESSERA_BUILD_DIR="$build-tsan" \
   scripts/build.sh -DTESSERA_SANITIZE=thread -DTESSERA_BUILD_BENCHMARKS=OFF
 TSAN_OPTIONS="halt_on_error=1:second_deadlock_stack=1" \
   ctest --test-dir "$build-tsan" --output-on-failure -j "$(nproc)" \
-    -R '^(LuSVNContextPoolTest|BundleStack)\.|\.(ConcurrentWritersAndReaders|RegistryReplacesRemovesAndWorksAcrossThreads|ThreadsShareTheProvidersOfThePoolsContexts)$'
+    -R '^(LuSVNContextPoolTest|BundleStack)\.|\.(ConcurrentWritersAndReaders|RegistryReplacesRemovesAndWorksAcrossThreads|ThreadsShareTheProvidersOfThePoolsContexts|ThreadsShareOneCache|EightPooledContextsAuthenticateAtOnce)$'

@@ -4,9 +4,10 @@
 // named after them. Elsewhere this backend defines the two functions itself
 // and hands out the platform's keyring provider instead: GNOME Keyring
 // (libsecret) first, then KWallet. Both live in shared objects that Subversion
-// loads on demand and that may be missing; then the provider given out fails
-// every lookup with SVN_ERR_AUTHN_NO_PROVIDER, so a caller that asked for
-// keyring storage gets a clear error rather than a null provider.
+// loads on demand and that may be missing; then the provider given out
+// answers no credentials and stores nothing, so that the next provider of the
+// kind is asked: a stack with keyring storage works wherever the file store
+// behind it does.
 //
 // The keyring providers only reach the keyring for realms whose cached
 // credentials name it as their password store, and when saving. Callers that
@@ -21,12 +22,14 @@
 
 namespace {
 
-svn_error_t* LuSVNNoKeyringFirstCredentials(void** /*credentials*/, void** /*iter_baton*/,
+svn_error_t* LuSVNNoKeyringFirstCredentials(void** credentials, void** iter_baton,
     void* /*provider_baton*/, apr_hash_t* /*parameters*/, const char* /*realmstring*/,
     apr_pool_t* /*pool*/)
 {
-    return svn_error_create(SVN_ERR_AUTHN_NO_PROVIDER, nullptr,
-        "No keyring provider is available in this Subversion installation");
+    // An error here would end the whole iteration, providers behind included.
+    *credentials = nullptr;
+    *iter_baton = nullptr;
+    return SVN_NO_ERROR;
 }
 
 svn_error_t* LuSVNNoKeyringSaveCredentials(svn_boolean_t* saved, void* /*credentials*/,

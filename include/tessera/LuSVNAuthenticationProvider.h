@@ -59,14 +59,69 @@ struct apr_pool_t;
 struct svn_auth_provider_object_t;
 struct svn_error_t;
 
+class LuSVNAuthenticationProvider;
+class LuSVNKeychainCertificatePasswordProvider;
+class LuSVNKeychainSimpleProvider;
+class LuSVNSSLClientCertificatePasswordPromptProvider;
+class LuSVNSSLClientCertificatePasswordProvider;
+class LuSVNSSLClientCertificatePromptProvider;
+class LuSVNSSLClientCertificateProvider;
+class LuSVNSSLServerTrustPromptProvider;
+class LuSVNSSLServerTrustProvider;
+class LuSVNSimplePromptProvider;
+class LuSVNSimpleProvider;
+class LuSVNUsernamePromptProvider;
+class LuSVNUsernameProvider;
+class LuSVNSimpleCredentials;
+class LuSVNUsernameCredentials;
+class LuSVNSSLClientCertificateCredentials;
+class LuSVNSSLClientCertificatePasswordCredentials;
+
 /// The listener of a provider, which providers that ask the user (the prompt
-/// providers) consult. Not retained by the provider.
+/// providers, LuSVNPromptProviders.h) consult. Not retained by the provider.
+///
+/// Every operation is optional: one that is not overridden answers nullopt,
+/// "not implemented", and the provider behaves as its description says for
+/// a missing listener. An answer of true goes on with the credentials as the
+/// listener filled them in, false cancels. The retry count is 0 at the first
+/// question of a request on this thread, then 1, 2, ... The operations are
+/// called on the thread of the Subversion operation; a listener with a user
+/// interface on another thread marshals itself.
 class TESSERA_EXPORT LuSVNAuthenticationProviderDelegate {
 public:
     virtual ~LuSVNAuthenticationProviderDelegate();
-};
 
-class LuSVNAuthenticationProvider;
+    /// User name and password; the user name is preset when Subversion
+    /// proposes one, maySave() as Subversion allows.
+    virtual std::optional<bool> promptForSimpleCredentials(LuSVNAuthenticationProvider& provider,
+                                                           LuSVNSimpleCredentials& credentials,
+                                                           const std::optional<std::string>& realm,
+                                                           std::int32_t retryCount);
+    /// A user name.
+    virtual std::optional<bool> promptForUsernameCredentials(LuSVNAuthenticationProvider& provider,
+                                                             LuSVNUsernameCredentials& credentials,
+                                                             const std::optional<std::string>& realm,
+                                                             std::int32_t retryCount);
+    /// The path of a client certificate.
+    virtual std::optional<bool> promptForSSLClientCertificateCredentials(
+        LuSVNAuthenticationProvider& provider, LuSVNSSLClientCertificateCredentials& credentials,
+        const std::optional<std::string>& realm, std::int32_t retryCount);
+    /// The passphrase of a client certificate.
+    virtual std::optional<bool> promptForSSLClientCertificatePasswordCredentials(
+        LuSVNAuthenticationProvider& provider, LuSVNSSLClientCertificatePasswordCredentials& credentials,
+        const std::optional<std::string>& realm, std::int32_t retryCount);
+    /// Whether to trust a server despite the failures (the five defined bits
+    /// only); true with permanent set stores the acceptance when mayStore.
+    virtual std::optional<bool> promptForAuthenticationErrors(LuSVNAuthenticationProvider& provider,
+                                                              std::uint32_t failures,
+                                                              const LuSVNCertificate& certificate,
+                                                              const std::optional<std::string>& realm,
+                                                              bool mayStore, bool& permanent);
+    /// Whether Subversion may store a password or passphrase unencrypted in
+    /// its configuration directory.
+    virtual std::optional<bool> maySavePlainTextCredentialsForRealm(LuSVNAuthenticationProvider& provider,
+                                                                    const std::optional<std::string>& realm);
+};
 
 /// What one authentication stack made of a provider: the baton of the
 /// Subversion provider that providerObjectFromPool makes, living in the same
@@ -96,6 +151,35 @@ public:
     /// A new provider of the same class with the same delegate and the
     /// subclass's own settings.
     virtual std::shared_ptr<LuSVNAuthenticationProvider> copy() const = 0;
+
+    // --- Subversion's own providers (LuSVNStorageProviders.h, LuSVNPromptProviders.h)
+
+    /// Passwords in Subversion's configuration directory.
+    static std::shared_ptr<LuSVNSimpleProvider> simpleProvider();
+    /// Asks the delegate for a user name and password.
+    static std::shared_ptr<LuSVNSimplePromptProvider> simplePromptProviderWithRetryLimit(std::int32_t retryLimit);
+    /// The configured user name or the process's user.
+    static std::shared_ptr<LuSVNUsernameProvider> usernameProvider();
+    /// Asks the delegate for a user name.
+    static std::shared_ptr<LuSVNUsernamePromptProvider> usernamePromptProviderWithRetryLimit(std::int32_t retryLimit);
+    /// Passwords in the system's keyring.
+    static std::shared_ptr<LuSVNKeychainSimpleProvider> keychainSimpleProvider();
+    /// Client certificate passphrases in the system's keyring.
+    static std::shared_ptr<LuSVNKeychainCertificatePasswordProvider> keychainCertificatePasswordProvider();
+    /// Server certificates accepted permanently before.
+    static std::shared_ptr<LuSVNSSLServerTrustProvider> SSLServerTrustProvider();
+    /// Asks the delegate whether to trust a server.
+    static std::shared_ptr<LuSVNSSLServerTrustPromptProvider> SSLServerTrustPromptProvider();
+    /// The configured client certificate.
+    static std::shared_ptr<LuSVNSSLClientCertificateProvider> SSLClientCertificateProvider();
+    /// Asks the delegate for a client certificate.
+    static std::shared_ptr<LuSVNSSLClientCertificatePromptProvider> SSLClientCertificatePromptProviderWithRetryLimit(
+        std::int32_t retryLimit);
+    /// Configured and stored client certificate passphrases.
+    static std::shared_ptr<LuSVNSSLClientCertificatePasswordProvider> SSLClientCertificatePasswordProvider();
+    /// Asks the delegate for a client certificate's passphrase.
+    static std::shared_ptr<LuSVNSSLClientCertificatePasswordPromptProvider>
+    SSLClientCertificatePasswordPromptProviderWithRetryLimit(std::int32_t retryLimit);
 
     /// "<ClassName: 0x...>", unique among the living providers.
     virtual std::string description() const;

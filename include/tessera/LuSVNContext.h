@@ -191,8 +191,10 @@ public:
 
     /// Reads the "config" and "servers" files of the directory (nullopt: the
     /// user's default one) into the client context, and remembers the
-    /// directory for later rebinding. Raises the LuSVNException of
-    /// Subversion's error for files it cannot parse.
+    /// directory for later rebinding. A directory that is missing or lacks
+    /// some of Subversion's files gets them first, as the svn client does.
+    /// Raises the LuSVNException of Subversion's error for files it cannot
+    /// parse.
     void loadConfigurationInDirectory(std::optional<std::string> directory);
     /// Reads the remembered directory again.
     void loadConfiguration();

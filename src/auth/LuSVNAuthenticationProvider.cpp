@@ -112,8 +112,6 @@ svn_error_t* LuSVNRethrowProviderException(svn_error_t* error)
 
 }  // namespace tessera_private
 
-LuSVNAuthenticationProviderDelegate::~LuSVNAuthenticationProviderDelegate() = default;
-
 LuSVNAuthenticationProvider::~LuSVNAuthenticationProvider() = default;
 
 std::string LuSVNAuthenticationProvider::description() const

@@ -47,6 +47,12 @@ void LuSVNContext::loadConfigurationInDirectory(std::optional<std::string> direc
     if (!ctx_)
         return;
     LuSVNBundlePushed pushed(bundle_);
+    // As svn does first: a directory named but missing gets its files and
+    // the credential stores' subdirectories, else nothing can be stored there.
+    // Reading goes on whatever this returns; the error is only freed.
+    if (configurationDirectory_)
+        if (svn_error_t* error = LuSVNEntry<37>()(configurationDirectory_->c_str(), pool_))
+            LuSVNEntry<30>()(error);
     apr_hash_t* configuration = nullptr;
     LuSVNThrowIfError(LuSVNEntry<38>()(
         &configuration, configurationDirectory_ ? configurationDirectory_->c_str() : nullptr, pool_));

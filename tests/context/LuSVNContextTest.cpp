@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "LuSVNBundlePushed.h"
 #include "LuSVNContextTestSupport.h"
 
@@ -127,6 +129,17 @@ TEST_F(ContextTest, OptionsComeFromTheFilesOfTheConfigurationDirectory)
     context->loadConfiguration();
     EXPECT_EQ(context->optionForName("editor-cmd", "config", "helpers", std::nullopt), "nano");
     EXPECT_EQ(context->optionForName("diff-cmd", "config", "helpers", std::nullopt), std::nullopt);
+}
+
+// As svn: a directory named but missing is set up, so that the credential
+// stores have somewhere to write.
+TEST_F(ContextTest, AMissingConfigurationDirectoryIsSetUp)
+{
+    const std::string missing = configurationDirectory + "/new";
+    context->loadConfigurationInDirectory(missing);
+    for (const char* part : {"config", "servers", "auth/svn.simple", "auth/svn.ssl.server"})
+        EXPECT_TRUE(std::filesystem::exists(missing + "/" + part)) << part;
+    EXPECT_EQ(context->configurationDirectory(), missing);
 }
 
 TEST_F(ContextTest, UnreadableConfigurationRaisesAndLeavesTheBackendStackBalanced)

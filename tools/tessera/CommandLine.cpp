@@ -9,6 +9,7 @@
 #include <map>
 #include <sstream>
 
+#include "Authentication.h"
 #include "Command.h"
 #include "Messages.h"
 #include "Options.h"
@@ -219,6 +220,7 @@ int runTessera(int argc, char** argv)
             return 0;
         }
         LuSVNInitialize();
+        completeAuthenticationSettings(tesseraGlobalSettings());
         try {
             return parsed.action();
         } catch (const TesseraOptionValueError&) {

@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <unistd.h>
 
+#include "Authentication.h"
 #include "Messages.h"
 #include "Options.h"
+#include "TerminalPrompt.h"
 
 namespace {
 
@@ -30,16 +32,7 @@ std::shared_ptr<LuSVNContext> makeContext(const LuSVNVersion& version)
     const TesseraGlobalSettings& settings = tesseraGlobalSettings();
     auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->bundleForVersion(version), {},
                                                    settings.configDir);
-    auto stack = context->authenticationStack();
-    stack->addProvider(std::make_shared<LuSVNUsernameProvider>());
-    if (settings.username)
-        stack->setValue(*settings.username, LuSVNAuthParamDefaultUsername);
-    if (settings.password)
-        stack->setValue(*settings.password, LuSVNAuthParamDefaultPassword);
-    if (!settings.interactive())
-        stack->setValue(true, LuSVNAuthParamNonInteractive);
-    if (settings.noAuthCache)
-        stack->setValue(true, LuSVNAuthParamNoCache);
+    setUpContext(*context, settings);
     return context;
 }
 
@@ -54,10 +47,17 @@ TesseraOperation::TesseraOperation(const LuSVNVersion& version, Settings setting
         notifier_->setBeforePrinting([this] { progress_.erase(); });
         context_->setNotificationHandler(notifier_);
     }
+    // A question for credentials starts on a line of its own.
+    TesseraTerminalPrompt::shared()->setBeforePrompting([this] { progress_.erase(); });
     if (settings.progress && !settings.quiet)
         context_->setProgressHandler([this](const LuSVNProgress& progress) {
             progress_.update(progress.bytes, progress.items, TesseraProgressLine::Clock::now());
         });
+}
+
+TesseraOperation::~TesseraOperation()
+{
+    TesseraTerminalPrompt::shared()->setBeforePrompting(nullptr);
 }
 
 TesseraOperation::TesseraOperation(const std::string& workingCopyPath, Settings settings)

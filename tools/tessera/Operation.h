@@ -30,6 +30,7 @@ public:
     /// path (its nearest existing directory).
     TesseraOperation(const std::string& workingCopyPath, Settings settings);
     // The context's handlers point back here.
+    ~TesseraOperation();
     TesseraOperation(const TesseraOperation&) = delete;
     TesseraOperation& operator=(const TesseraOperation&) = delete;
 

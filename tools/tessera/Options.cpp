@@ -17,6 +17,7 @@
 #include <sstream>
 #include <unistd.h>
 
+#include "Authentication.h"
 #include "Messages.h"
 
 namespace {
@@ -211,6 +212,8 @@ void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings)
         command, "--password", [&settings](const std::string& password) { settings.password = password; },
         "specify a password ARG (caution: on many operating\nsystems, other users will be able to see this)")
         ->group(TesseraGlobalOptions);
+    addFlag(command, "--password-from-stdin", settings.passwordFromStdin, "read password from stdin")
+        ->group(TesseraGlobalOptions);
     addFlag(command, "--no-auth-cache", settings.noAuthCache, "do not cache authentication tokens")
         ->group(TesseraGlobalOptions);
     addFlag(command, "--non-interactive", settings.nonInteractive,
@@ -219,7 +222,46 @@ void addGlobalOptions(CLI::App& command, TesseraGlobalSettings& settings)
     addFlag(command, "--force-interactive", settings.forceInteractive,
             "do interactive prompting even if standard input\nis not a terminal device")
         ->group(TesseraGlobalOptions);
+    addOption(
+        command, "--trust-server-cert-failures",
+        [&settings](const std::string& list) { settings.trustFailures = parseTrustFailures(list); },
+        "with --non-interactive, accept SSL server\ncertificates with failures; ARG is comma-separated\n"
+        "list of 'unknown-ca' (Unknown Authority),\n'cn-mismatch' (Hostname mismatch), 'expired'\n"
+        "(Expired certificate), 'not-yet-valid' (Not yet\nvalid certificate) and 'other' (all other not\n"
+        "separately classified certificate errors).")
+        ->group(TesseraGlobalOptions);
     addConfigDirOption(command, settings.configDir);
+    // Every one counts, in their order.
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--config-option",
+            [&settings](const std::vector<std::string>& arguments) {
+                for (const std::string& argument : arguments)
+                    settings.configOptions.push_back(parseConfigOption(argument));
+            },
+            "set user configuration option in the format:\n    FILE:SECTION:OPTION=[VALUE]\nFor example:\n"
+            "    servers:global:http-library=serf")
+        ->type_name("ARG")
+        ->expected(1)
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->group(TesseraGlobalOptions);
+}
+
+TesseraConfigOption parseConfigOption(const std::string& argument)
+{
+    // FILE, SECTION and OPTION are not empty and OPTION holds no colon; the
+    // value is the rest, colons, equal signs and all.
+    const auto first = argument.find(':');
+    const auto second = first == std::string::npos ? first : argument.find(':', first + 1);
+    const auto equals = second == std::string::npos ? second : argument.find('=', second + 1);
+    if (first == 0 || second == first + 1 || equals == std::string::npos || equals == second + 1 ||
+        argument.find(':', second + 1) < equals)
+        LuSVNException::exceptionWithReason("Invalid syntax of argument of --config-option",
+                                            TesseraArgumentParsingError)
+            ->raise();
+    return {argument.substr(0, first), argument.substr(first + 1, second - first - 1),
+            argument.substr(second + 1, equals - second - 1), argument.substr(equals + 1)};
 }
 
 namespace {

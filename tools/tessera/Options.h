@@ -7,6 +7,7 @@
 // as they are.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -67,13 +68,29 @@ LuSVNDepth depthForWord(const std::string& word);
 /// (with the user's own configuration area).
 CLI::Option* addConfigDirOption(CLI::App& command, std::optional<std::string>& directory);
 
+/// One --config-option FILE:SECTION:OPTION=[VALUE].
+struct TesseraConfigOption {
+    std::string file;
+    std::string section;
+    std::string option;
+    std::string value;
+};
+
+/// The parts of a --config-option argument; another form raises svn's
+/// E205000 "Invalid syntax of argument of --config-option".
+TesseraConfigOption parseConfigOption(const std::string& argument);
+
 /// What the global options of svn set: one object for the whole run, filled
 /// wherever they stand on the command line.
 struct TesseraGlobalSettings {
     std::optional<std::string> configDir;
     std::optional<std::string> username;
     std::optional<std::string> password;
+    bool passwordFromStdin = false;
     bool noAuthCache = false;
+    /// The certificate failures --trust-server-cert-failures accepts.
+    std::uint32_t trustFailures = 0;
+    std::vector<TesseraConfigOption> configOptions;
     bool nonInteractive = false;
     bool forceInteractive = false;
 

@@ -27,6 +27,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "Authentication.h"
 #include "Command.h"
 #include "Messages.h"
 #include "Options.h"
@@ -547,8 +548,7 @@ std::shared_ptr<LuSVNContext> StatusPrinter::contextForPath(const std::string& a
     if (!context) {
         context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->bundleForVersion(version), {},
                                                   tesseraGlobalSettings().configDir);
-        // -u over file:// asks for a user name and nothing else.
-        context->authenticationStack()->addProvider(std::make_shared<LuSVNUsernameProvider>());
+        setUpContext(*context, tesseraGlobalSettings());
     }
     return context;
 }
