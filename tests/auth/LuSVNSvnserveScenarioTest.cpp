@@ -37,6 +37,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using tessera_test::Svnserve;
+using tessera_test::SvnserveContent;
 using Providers = std::vector<LuSVNAuthenticationStack::Provider>;
 
 // Types passwords: the one scripted for each retry count, the right one
