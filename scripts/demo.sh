@@ -1,6 +1,9 @@
 #!/bin/sh
 # The main job: builds Tessera, makes a local repository and a working copy in
-# a temporary directory and shows what the library sees.
+# a temporary directory and shows what the library sees; then checks out a
+# second working copy, changes it and commits with tessera, and updates the
+# first one, showing the progress line's final figures and tessera status
+# before and after.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/build.sh
@@ -41,3 +44,42 @@ else
   diff -u "$(LC_ALL=C sort "$work/svn-status" > "$work/svn-sorted"; echo "$work/svn-sorted")" \
           "$(LC_ALL=C sort "$work/tessera-status" > "$work/tessera-sorted"; echo "$work/tessera-sorted")" || true
 fi
+
+# A command run on a terminal (script(1) gives it one), so that tessera draws
+# its progress line; prints the command's own lines and then the line's last
+# figures, which the terminal shows only while the transfer runs.
+on_terminal() {
+  script -qec "$*" /dev/null > "$work/terminal"
+  tr '\r' '\n' < "$work/terminal" | sed 's/\x1b\[K//g' | grep -Ev 'B(/s)?, [0-9]+ items?$' | grep -v '^$' || true
+  figure="$(tr '\r' '\n' < "$work/terminal" | sed 's/\x1b\[K//g' | grep -E 'B(/s)?, [0-9]+ items?$' | tail -n 1)"
+  echo "(progress line, final figure: ${figure:-none drawn})"
+}
+config="--config-dir $work/config"
+
+echo
+echo "== tessera checkout of the repository's trunk into a second working copy (last lines)"
+on_terminal "$tessera" checkout $config "$url/trunk" "$work/demo" | tail -n 6
+echo
+echo "== a change: one file edited, one added"
+echo "a line from the demo" >> "$work/demo/modified.txt"
+echo "new" > "$work/demo/new.txt"
+"$tessera" add $config "$work/demo/new.txt"
+echo
+echo "== tessera status before the commit"
+"$tessera" status $config "$work/demo"
+echo
+echo "== tessera commit"
+on_terminal "$tessera" commit $config -m "'A change from the demo'" "$work/demo"
+echo
+echo "== tessera status after the commit"
+"$tessera" status $config "$work/demo"
+echo "(nothing left to commit)"
+echo
+echo "== the first working copy, before its update: tessera status -u"
+"$tessera" status $config -u "$work/working-copy" | tail -n 5
+echo
+echo "== tessera update of the first working copy"
+on_terminal "$tessera" update $config "$work/working-copy" | tail -n 8
+echo
+echo "== the first working copy after its update: tessera status -u"
+"$tessera" status $config -u "$work/working-copy"
