@@ -72,6 +72,8 @@ ServerProcess::ServerProcess(const std::vector<std::string>& arguments, const st
     const passwd* user = unprivilegedUser();
     pid_ = fork();
     if (pid_ == 0) {
+        // A group of its own: the server's worker processes go with it.
+        setpgid(0, 0);
         if (user && (setgid(user->pw_gid) != 0 || setuid(user->pw_uid) != 0))
             _exit(126);
         // After the change of user, which clears it.
@@ -83,6 +85,7 @@ ServerProcess::ServerProcess(const std::vector<std::string>& arguments, const st
         execv(argv[0], argv.data());
         _exit(127);
     }
+    setpgid(pid_, pid_);  // as the child does, whichever runs first
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     for (int port : ports)
         while (!acceptsConnections(port)) {
@@ -107,7 +110,7 @@ void ServerProcess::kill()
 {
     if (pid_ <= 0)
         return;
-    ::kill(pid_, SIGKILL);
+    ::kill(-pid_, SIGKILL);
     waitpid(pid_, nullptr, 0);
     pid_ = -1;
 }
@@ -116,10 +119,11 @@ void ServerProcess::stop()
 {
     if (pid_ <= 0)
         return;
-    ::kill(pid_, SIGTERM);
+    ::kill(-pid_, SIGTERM);
     for (int i = 0; i < 250 && waitpid(pid_, nullptr, WNOHANG) == 0; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    if (::kill(pid_, SIGKILL) == 0)
+    // Workers the server left behind would hold the test's output open.
+    if (::kill(-pid_, SIGKILL) == 0)
         waitpid(pid_, nullptr, 0);
     pid_ = -1;
 }
