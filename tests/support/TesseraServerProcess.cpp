@@ -1,6 +1,7 @@
 #include "TesseraServerProcess.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <pwd.h>
 #include <signal.h>
@@ -74,6 +75,11 @@ ServerProcess::ServerProcess(const std::vector<std::string>& arguments, const st
     if (pid_ == 0) {
         // A group of its own: the server's worker processes go with it.
         setpgid(0, 0);
+        // Not the test's output: a worker that outlives its test would keep
+        // ctest waiting on that pipe. The servers log to their own files.
+        const int null = open("/dev/null", O_RDWR);
+        if (null < 0 || dup2(null, 0) < 0 || dup2(null, 1) < 0 || dup2(null, 2) < 0)
+            _exit(125);
         if (user && (setgid(user->pw_gid) != 0 || setuid(user->pw_uid) != 0))
             _exit(126);
         // After the change of user, which clears it.
