@@ -17,7 +17,8 @@
 #   twin_finish                                          # exits with the verdict
 #
 # @URL@ in a step's arguments stands for the side's repository URL, @ROOTDIR@
-# for the side's directory.
+# for the side's directory. After twin_serve, @SVNURL@ stands for the side's
+# repository served by an svnserve of its own (anonymous users may write).
 
 twin_failures=0
 twin_passes=0
@@ -32,12 +33,48 @@ twin_fail() {
 twin_start() {
   twin_tessera="$1" twin_svn="$2" twin_svnadmin="$3"
   work="$(mktemp -d)"
-  trap 'rm -rf "$work"' EXIT
+  trap 'twin_stop_servers; rm -rf "$work"' EXIT
   export HOME="$work/home" LC_ALL=C
   unset SVN_EDITOR VISUAL EDITOR
   mkdir -p "$HOME" "$work/svn" "$work/tessera"
   "$twin_svnadmin" create "$work/svn/repo"
   "$twin_svnadmin" create "$work/tessera/repo"
+}
+
+# twin_serve: an svnserve for each side on 127.0.0.1, stopped at exit. Call it
+# after twin_twin, which makes the tessera side's repository anew.
+twin_serve() {
+  for side in svn tessera; do
+    printf '[general]\nanon-access = write\n' >"$work/$side/repo/conf/svnserve.conf"
+    tries=0
+    while :; do
+      # A port picked at random, again when it is taken.
+      port=$((20000 + $(od -An -N2 -tu2 /dev/urandom) % 40000))
+      "${twin_svnadmin%admin}serve" -d --foreground --listen-host 127.0.0.1 --listen-port "$port" \
+        -r "$work/$side" </dev/null >/dev/null 2>&1 &
+      echo "$!" >"$work/$side.server"
+      waited=0
+      until "$twin_svn" info --non-interactive "svn://127.0.0.1:$port/repo" \
+          >/dev/null 2>&1; do
+        kill -0 "$(cat "$work/$side.server")" 2>/dev/null || break
+        waited=$((waited + 1))
+        [ "$waited" -lt 200 ] || break
+        sleep 0.05
+      done
+      if kill -0 "$(cat "$work/$side.server")" 2>/dev/null; then
+        echo "$port" >"$work/$side.port"
+        break
+      fi
+      tries=$((tries + 1))
+      [ "$tries" -lt 5 ] || { echo "no svnserve for the $side side"; exit 1; }
+    done
+  done
+}
+
+twin_stop_servers() {
+  for side in svn tessera; do
+    [ -f "$work/$side.server" ] && kill "$(cat "$work/$side.server")" 2>/dev/null || true
+  done
 }
 
 # twin_twin: makes the tessera side's repository a copy of the svn side's,
@@ -62,6 +99,7 @@ twin_both() {
 # The output of a side with the side's directory masked.
 twin_mask() {
   sed -e "s|$work/svn|@ROOT@|g" -e "s|$work/tessera|@ROOT@|g" -e 's/^svn: /tessera: /' \
+      -e 's|svn://127\.0\.0\.1:[0-9]*/|svn://@SERVER@/|g' \
       -e "s/'svn help/'tessera help/" -e "s/Try 'svn /Try 'tessera /" -e "s/Run 'svn /Run 'tessera /"
 }
 
@@ -81,9 +119,11 @@ twin_run() {
   side="$1" program="$2"
   shift 2
   url="file://$work/$side/repo"
+  svnurl="svn://127.0.0.1:$(cat "$work/$side.port" 2>/dev/null || echo 0)/repo"
   count=$#
   for argument in "$@"; do
-    set -- "$@" "$(printf '%s\n' "$argument" | sed -e "s|@URL@|$url|g" -e "s|@ROOTDIR@|$work/$side|g")"
+    set -- "$@" "$(printf '%s\n' "$argument" |
+      sed -e "s|@URL@|$url|g" -e "s|@SVNURL@|$svnurl|g" -e "s|@ROOTDIR@|$work/$side|g")"
   done
   shift "$count"
   status=0
