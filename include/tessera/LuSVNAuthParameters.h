@@ -98,7 +98,12 @@ TESSERA_EXPORT const void* LuSVNAuthParamValueForObject(std::string_view name, c
 TESSERA_EXPORT std::optional<LuSVNAuthParameterValue> LuSVNAuthParamObjectForValue(std::string_view name,
                                                                                   const void* value);
 
-/// Subversion's parameter hash as values by name; entries whose value cannot
-/// be converted (standard names of unknown type) are left out. Raises
-/// "Invalid parameter not satisfying: parameters != nil" or "... pool != nil".
-TESSERA_EXPORT LuSVNAuthParameters LuSVNAuthDictionaryForParams(apr_hash_t* parameters, apr_pool_t* pool);
+/// Subversion's parameter hash as values by name, for a request of credentials
+/// of the given kind ("svn.simple", ...); entries whose value cannot be
+/// converted (standard names of unknown type) are left out, and so are the
+/// server certificate and its failures except for "svn.ssl.server" requests:
+/// outside those Subversion may leave them pointing at memory that is gone.
+/// Raises "Invalid parameter not satisfying: parameters != nil" or
+/// "... pool != nil".
+TESSERA_EXPORT LuSVNAuthParameters LuSVNAuthDictionaryForParams(apr_hash_t* parameters, apr_pool_t* pool,
+                                                                std::string_view credentialsKind);

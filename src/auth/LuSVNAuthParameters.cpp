@@ -49,6 +49,8 @@ LuSVNCertificate certificateForCertificateInfo(const svn_auth_ssl_server_cert_in
                             text(info.issuer_dname), text(info.ascii_cert));
 }
 
+constexpr std::string_view serverTrustKind = "svn.ssl.server";
+
 }  // namespace
 
 bool LuSVNAuthIsStandardParam(std::string_view name)
@@ -144,7 +146,8 @@ std::optional<LuSVNAuthParameterValue> LuSVNAuthParamObjectForValue(std::string_
     return LuSVNAuthCustomParamObjectForValue(name, value);
 }
 
-LuSVNAuthParameters LuSVNAuthDictionaryForParams(apr_hash_t* parameters, apr_pool_t* pool)
+LuSVNAuthParameters LuSVNAuthDictionaryForParams(apr_hash_t* parameters, apr_pool_t* pool,
+                                                 std::string_view credentialsKind)
 {
     LUSVN_PARAMETER_ASSERT(parameters != nullptr, "parameters != nil");
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != nil");
@@ -155,6 +158,11 @@ LuSVNAuthParameters LuSVNAuthDictionaryForParams(apr_hash_t* parameters, apr_poo
         void* value = nullptr;
         LuSVNEntry<16>()(entry, &key, &keyLength, &value);
         std::string name(static_cast<const char*>(key), static_cast<std::size_t>(keyLength));
+        // Subversion leaves the failures pointing at a local of its trust
+        // question after that question returns; only that question may read it.
+        if (credentialsKind != serverTrustKind &&
+            (name == LuSVNAuthParamSSLServerFailures || name == LuSVNAuthParamSSLServerCertificateInfo))
+            continue;
         if (auto object = LuSVNAuthParamObjectForValue(name, value))
             dictionary.emplace(std::move(name), std::move(*object));
     }

@@ -175,7 +175,7 @@ svn_error_t* LuSVNAuthenticationProvider::firstSVNCredentials(const LuSVNAuthent
     LUSVN_PARAMETER_ASSERT(parameters != nullptr, "parameters != NULL");
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
     std::shared_ptr<void> context;
-    const auto creds = credentialsForRealm(LuSVNOptionalString(realm), LuSVNAuthDictionaryForParams(parameters, pool),
+    const auto creds = credentialsForRealm(LuSVNOptionalString(realm), LuSVNAuthDictionaryForParams(parameters, pool, credentialsClass().kind),
                                            context);
     if (!creds || !isDeclaredClass(*this, *creds, "first"))
         return nullptr;
@@ -200,7 +200,7 @@ svn_error_t* LuSVNAuthenticationProvider::nextSVNCredentials(const LuSVNAuthenti
     auto& iterator = *static_cast<LuSVNAuthenticationIterator*>(iterBaton);
     ++iterator.retryCount;
     const auto creds = nextCredentialsForRealm(LuSVNOptionalString(realm),
-                                               LuSVNAuthDictionaryForParams(parameters, pool), iterator.retryCount,
+                                               LuSVNAuthDictionaryForParams(parameters, pool, credentialsClass().kind), iterator.retryCount,
                                                iterator.context);
     if (!creds || !isDeclaredClass(*this, *creds, "next"))
         return nullptr;
@@ -217,7 +217,7 @@ svn_error_t* LuSVNAuthenticationProvider::saveSVNCredentials(const LuSVNAuthenti
     LUSVN_PARAMETER_ASSERT(parameters != nullptr, "parameters != NULL");
     LUSVN_PARAMETER_ASSERT(pool != nullptr, "pool != NULL");
     const auto creds = credentialsClass().credentialsFromStruct(credentials);
-    if (creds && saveCredentials(creds, LuSVNOptionalString(realm), LuSVNAuthDictionaryForParams(parameters, pool)))
+    if (creds && saveCredentials(creds, LuSVNOptionalString(realm), LuSVNAuthDictionaryForParams(parameters, pool, credentialsClass().kind)))
         *saved = 1;
     return nullptr;
 }

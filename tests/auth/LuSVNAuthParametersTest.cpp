@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include "LuSVNBackendFrame.h"
@@ -119,9 +120,9 @@ TEST_F(AuthParametersTest, NullArgumentsAreRefused)
     expectParameterAssertion([] { LuSVNAuthParamValueForObject("svn:auth:username", std::string("a"), nullptr); },
                              "pool != NULL");
     expectParameterAssertion([] { LuSVNAuthParamObjectForValue("svn:auth:username", nullptr); }, "value != NULL");
-    expectParameterAssertion([] { LuSVNAuthDictionaryForParams(nullptr, nullptr); }, "parameters != nil");
+    expectParameterAssertion([] { LuSVNAuthDictionaryForParams(nullptr, nullptr, "svn.simple"); }, "parameters != nil");
     apr_hash_t* hash = LuSVNEntry<13>()(frame.pool());
-    expectParameterAssertion([&] { LuSVNAuthDictionaryForParams(hash, nullptr); }, "pool != nil");
+    expectParameterAssertion([&] { LuSVNAuthDictionaryForParams(hash, nullptr, "svn.simple"); }, "pool != nil");
 }
 
 TEST_F(AuthParametersTest, DictionaryOfAParameterHashSkipsWhatItCannotRead)
@@ -140,7 +141,27 @@ TEST_F(AuthParametersTest, DictionaryOfAParameterHashSkipsWhatItCannotRead)
         {"svn:auth:non-interactive", true},
         {"auth:may-store-default-password", true},
     };
-    EXPECT_EQ(LuSVNAuthDictionaryForParams(hash, frame.pool()), expected);
+    EXPECT_EQ(LuSVNAuthDictionaryForParams(hash, frame.pool(), "svn.simple"), expected);
+}
+
+TEST_F(AuthParametersTest, OnlyTrustRequestsReadTheServerCertificateAndItsFailures)
+{
+    // Subversion leaves the failures set to a pointer into a stack frame
+    // that is gone by the time a password is asked for: a dangling pointer
+    // here must never be read.
+    apr_hash_t* hash = LuSVNEntry<13>()(frame.pool());
+    const auto set = [&](std::string_view name, const void* value) {
+        LuSVNEntry<18>()(hash, name.data(), static_cast<apr_ssize_t>(name.size()), value);
+    };
+    const apr_uint32_t failures = 8;
+    set(LuSVNAuthParamSSLServerFailures, &failures);
+    set(LuSVNAuthParamSSLServerCertificateInfo, reinterpret_cast<const void*>(std::uintptr_t{1}));
+    set("svn:auth:username", "alice");
+    const LuSVNAuthParameters simple{{"svn:auth:username", std::string("alice")}};
+    EXPECT_EQ(LuSVNAuthDictionaryForParams(hash, frame.pool(), "svn.simple"), simple);
+    set(LuSVNAuthParamSSLServerCertificateInfo, nullptr);
+    const auto trust = LuSVNAuthDictionaryForParams(hash, frame.pool(), "svn.ssl.server");
+    EXPECT_EQ(trust.at(std::string(LuSVNAuthParamSSLServerFailures)), LuSVNAuthParameterValue(std::uint32_t{8}));
 }
 
 }  // namespace
