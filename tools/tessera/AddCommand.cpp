@@ -60,9 +60,7 @@ const TesseraCommand addCommand(
      "next commit."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "-N,--non-recursive", settings->nonRecursive, "obsolete; same as --depth=empty");
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");

@@ -99,9 +99,7 @@ const TesseraCommand changelistCommand(
         addFlag(command, "-R,--recursive", settings->recursive, "descend recursively, same as --depth=infinity");
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
         addFlag(command, "--remove", settings->remove, "remove changelist association");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addArguments(command, settings->arguments);
         return [&command, settings] { return changelist(command, *settings); };
     });

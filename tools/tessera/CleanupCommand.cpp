@@ -36,9 +36,7 @@ const TesseraCommand cleanupCommand(
      "finishes its work, so that the working copy can be used again."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
         addArguments(command, settings->arguments);
         return [settings] { return cleanup(*settings); };

@@ -115,9 +115,7 @@ const TesseraCommand commitCommand(
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
         addFlag(command, "-N,--non-recursive", settings->nonRecursive, "obsolete; same as --depth=empty");
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "--no-unlock", settings->noUnlock, "don't unlock the targets");
         addOption(
             command, "-m,--message", [settings](const std::string& text) { settings->message = text; },

@@ -1,5 +1,7 @@
 #include "Operation.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <filesystem>
 #include <unistd.h>
@@ -63,6 +65,34 @@ TesseraOperation::~TesseraOperation()
 TesseraOperation::TesseraOperation(const std::string& workingCopyPath, Settings settings)
     : TesseraOperation(versionForPath(absoluteTargetPath(workingCopyPath)), settings)
 {
+}
+
+void TesseraOperation::concludeUpdate() const
+{
+    if (!notifier_)
+        return;
+    notifier_->printConflictSummary();
+    if (notifier_->hadExternalsError())
+        LuSVNException::exceptionWithReason("Failure occurred processing one or more externals definitions", 205011)
+            ->raise();
+}
+
+void addUpdateOptions(CLI::App& command, const std::shared_ptr<TesseraUpdateSettings>& settings)
+{
+    addRevisionOption(command, [settings](auto revision) { settings->revision = std::move(revision); });
+    addFlag(command, "-N,--non-recursive", settings->nonRecursive, "obsolete; same as --depth=files");
+    addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
+    addSetDepthOption(command, [settings](const std::string& word) { settings->setDepth = word; });
+    addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
+    addFlag(command, "--force", settings->force, "handle unversioned obstructions as changes");
+    addFlag(command, "--ignore-externals", settings->ignoreExternals, "ignore externals definitions");
+    addArguments(command, settings->arguments);
+    command.final_callback([settings] {
+        if (settings->depth && settings->setDepth)
+            LuSVNException::exceptionWithReason("--depth and --set-depth are mutually exclusive",
+                                                TesseraArgumentParsingError)
+                ->raise();
+    });
 }
 
 std::string absoluteTargetPath(const std::string& target)

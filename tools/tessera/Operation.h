@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "Notifier.h"
+#include "Options.h"
 #include "ProgressLine.h"
 
 class TesseraOperation {
@@ -40,12 +41,51 @@ public:
     /// Takes the progress line away for good, before the command's own last
     /// lines.
     void finishProgress() { progress_.finish(); }
+    /// svn's last words of an update or switch: the conflict summary, and
+    /// E205011 when an external could not be worked on.
+    void concludeUpdate() const;
 
 private:
     TesseraProgressLine progress_;
     std::shared_ptr<LuSVNContext> context_;
     std::shared_ptr<TesseraNotifier> notifier_;
 };
+
+/// What update and switch take alike.
+struct TesseraUpdateSettings {
+    std::vector<std::string> arguments;
+    std::shared_ptr<const LuSVNRevisionSpec> revision;
+    std::optional<std::string> depth;
+    std::optional<std::string> setDepth;
+    bool nonRecursive = false;
+    bool quiet = false;
+    bool force = false;
+    bool ignoreExternals = false;
+};
+
+/// -r, -N, --depth, --set-depth (the two refused together, as by svn), -q,
+/// --force, --ignore-externals and the arguments.
+void addUpdateOptions(CLI::App& command, const std::shared_ptr<TesseraUpdateSettings>& settings);
+
+/// The options of an update or switch as the settings say: without a depth
+/// each item keeps the depth its working copy has; --set-depth makes the
+/// depth sticky.
+template <class UpdateOptions>
+void applyUpdateSettings(UpdateOptions& options, const TesseraUpdateSettings& settings)
+{
+    options.setDepth(LuSVNDepthUnknown);
+    options.setDepthIsSticky(false);
+    if (settings.setDepth) {
+        options.setDepth(depthForWord(*settings.setDepth));
+        options.setDepthIsSticky(true);
+    } else if (settings.depth) {
+        options.setDepth(depthForWord(*settings.depth));
+    } else if (settings.nonRecursive) {
+        options.setDepth(LuSVNDepthFiles);
+    }
+    options.setProcessExternals(!settings.ignoreExternals);
+    options.setAllowUnversionedObstructions(settings.force);
+}
 
 /// The absolute, normalised path of a target given on the command line.
 std::string absoluteTargetPath(const std::string& target);

@@ -119,6 +119,13 @@ void addArguments(CLI::App& command, std::vector<std::string>& arguments)
     command.add_option("arguments", arguments)->group("");
 }
 
+CLI::Option* addTargetsOption(CLI::App& command, std::optional<std::string>& file)
+{
+    return addOption(
+        command, "--targets", [&file](const std::string& name) { file = name; },
+        "pass contents of file ARG as additional args");
+}
+
 void checkArgumentCount(const CLI::App& command, const std::vector<std::string>& arguments, std::size_t least,
                         std::size_t most)
 {

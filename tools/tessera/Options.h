@@ -48,6 +48,9 @@ CLI::Option* addOption(CLI::App& command, const std::string& names, std::functio
 /// The arguments that are not options, in their order.
 void addArguments(CLI::App& command, std::vector<std::string>& arguments);
 
+/// --targets ARG: more targets from the lines of a file (readTargetsFile).
+CLI::Option* addTargetsOption(CLI::App& command, std::optional<std::string>& file);
+
 /// svn's usage error unless the command got between least and most arguments.
 void checkArgumentCount(const CLI::App& command, const std::vector<std::string>& arguments, std::size_t least,
                         std::size_t most);

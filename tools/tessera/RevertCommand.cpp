@@ -55,9 +55,7 @@ const TesseraCommand revertCommand(
      "This subcommand does not revert already committed changes."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "-R,--recursive", settings->recursive, "descend recursively, same as --depth=infinity");
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");

@@ -13,16 +13,7 @@
 
 namespace {
 
-struct Settings {
-    std::vector<std::string> arguments;
-    std::shared_ptr<const LuSVNRevisionSpec> revision;
-    std::optional<std::string> depth;
-    std::optional<std::string> setDepth;
-    bool nonRecursive = false;
-    bool quiet = false;
-    bool force = false;
-    bool ignoreExternals = false;
-};
+using Settings = TesseraUpdateSettings;
 
 int switchWorkingCopy(const CLI::App& command, const Settings& settings)
 {
@@ -34,18 +25,7 @@ int switchWorkingCopy(const CLI::App& command, const Settings& settings)
     localTargets({target}, std::nullopt, false);
 
     LuSVNSwitchOptions options;
-    options.setDepth(LuSVNDepthUnknown);
-    options.setDepthIsSticky(false);
-    if (settings.setDepth) {
-        options.setDepth(depthForWord(*settings.setDepth));
-        options.setDepthIsSticky(true);
-    } else if (settings.depth) {
-        options.setDepth(depthForWord(*settings.depth));
-    } else if (settings.nonRecursive) {
-        options.setDepth(LuSVNDepthFiles);
-    }
-    options.setProcessExternals(!settings.ignoreExternals);
-    options.setAllowUnversionedObstructions(settings.force);
+    applyUpdateSettings(options, settings);
     const auto operative = settings.revision ? settings.revision->keyRevision()
                            : peg             ? peg->keyRevision()
                                              : LuSVNRevision::HEAD();
@@ -55,13 +35,7 @@ int switchWorkingCopy(const CLI::App& command, const Settings& settings)
     TesseraOperation operation(target, {settings.quiet, true});
     LuSVNNode::switchNodeAtPath(targetPath(target), LuSVNURL::URLWithString(url), options, operation.context());
     operation.finishProgress();
-    if (operation.notifier()) {
-        operation.notifier()->printConflictSummary();
-        if (operation.notifier()->hadExternalsError())
-            LuSVNException::exceptionWithReason("Failure occurred processing one or more externals definitions",
-                                                205011)
-                ->raise();
-    }
+    operation.concludeUpdate();
     return 0;
 }
 
@@ -75,20 +49,7 @@ const TesseraCommand switchCommand(
      "the bytes, rate and items so far."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addRevisionOption(command, [settings](auto revision) { settings->revision = std::move(revision); });
-        addFlag(command, "-N,--non-recursive", settings->nonRecursive, "obsolete; same as --depth=files");
-        addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
-        addSetDepthOption(command, [settings](const std::string& word) { settings->setDepth = word; });
-        addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
-        addFlag(command, "--force", settings->force, "handle unversioned obstructions as changes");
-        addFlag(command, "--ignore-externals", settings->ignoreExternals, "ignore externals definitions");
-        addArguments(command, settings->arguments);
-        command.final_callback([settings] {
-            if (settings->depth && settings->setDepth)
-                LuSVNException::exceptionWithReason("--depth and --set-depth are mutually exclusive",
-                                                    TesseraArgumentParsingError)
-                    ->raise();
-        });
+        addUpdateOptions(command, settings);
         return [&command, settings] { return switchWorkingCopy(command, *settings); };
     });
 

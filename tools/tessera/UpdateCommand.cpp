@@ -14,16 +14,8 @@
 
 namespace {
 
-struct Settings {
-    std::vector<std::string> arguments;
+struct Settings : TesseraUpdateSettings {
     std::optional<std::string> targetsFile;
-    std::shared_ptr<const LuSVNRevisionSpec> revision;
-    std::optional<std::string> depth;
-    std::optional<std::string> setDepth;
-    bool nonRecursive = false;
-    bool quiet = false;
-    bool force = false;
-    bool ignoreExternals = false;
 };
 
 // svn's closing lines when several targets were updated.
@@ -48,19 +40,7 @@ int update(const Settings& settings)
 {
     const auto targets = localTargets(settings.arguments, settings.targetsFile, true);
     LuSVNUpdateOptions options;
-    // Without a depth, each item keeps the depth its working copy has.
-    options.setDepth(LuSVNDepthUnknown);
-    options.setDepthIsSticky(false);
-    if (settings.setDepth) {
-        options.setDepth(depthForWord(*settings.setDepth));
-        options.setDepthIsSticky(true);
-    } else if (settings.depth) {
-        options.setDepth(depthForWord(*settings.depth));
-    } else if (settings.nonRecursive) {
-        options.setDepth(LuSVNDepthFiles);
-    }
-    options.setProcessExternals(!settings.ignoreExternals);
-    options.setAllowUnversionedObstructions(settings.force);
+    applyUpdateSettings(options, settings);
 
     std::vector<LuSVNNode::LocalPath> paths;
     for (const std::string& target : targets)
@@ -69,13 +49,9 @@ int update(const Settings& settings)
     const auto revisions = LuSVNNode::updateNodes(
         paths, settings.revision ? settings.revision : LuSVNRevisionSpec::HEAD(), options, operation.context());
     operation.finishProgress();
-    if (!settings.quiet) {
+    if (!settings.quiet)
         printUpdateSummary(targets, revisions);
-        operation.notifier()->printConflictSummary();
-    }
-    if (operation.notifier() && operation.notifier()->hadExternalsError())
-        LuSVNException::exceptionWithReason("Failure occurred processing one or more externals definitions", 205011)
-            ->raise();
+    operation.concludeUpdate();
     return 0;
 }
 
@@ -92,23 +68,8 @@ const TesseraCommand updateCommand(
      "shows the bytes, rate and items so far."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addRevisionOption(command, [settings](auto revision) { settings->revision = std::move(revision); });
-        addFlag(command, "-N,--non-recursive", settings->nonRecursive, "obsolete; same as --depth=files");
-        addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
-        addSetDepthOption(command, [settings](const std::string& word) { settings->setDepth = word; });
-        addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
-        addFlag(command, "--force", settings->force, "handle unversioned obstructions as changes");
-        addFlag(command, "--ignore-externals", settings->ignoreExternals, "ignore externals definitions");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
-        addArguments(command, settings->arguments);
-        command.final_callback([settings] {
-            if (settings->depth && settings->setDepth)
-                LuSVNException::exceptionWithReason("--depth and --set-depth are mutually exclusive",
-                                                    TesseraArgumentParsingError)
-                    ->raise();
-        });
+        addUpdateOptions(command, settings);
+        addTargetsOption(command, settings->targetsFile);
         return [settings] { return update(*settings); };
     });
 

@@ -39,9 +39,7 @@ const TesseraCommand upgradeCommand(
      "loaded backend writes."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
         addArguments(command, settings->arguments);
         return [settings] { return upgrade(*settings); };
