@@ -24,8 +24,8 @@ struct TESSERA_EXPORT LuSVNInfo {
     using Date = std::chrono::system_clock::time_point;
 
     /// The node as Subversion names it: the absolute path of a working-copy
-    /// node; for a repository node its path relative to the target's parent
-    /// ("a.c", "dir/a.c"), URL-decoded.
+    /// node; a repository target by its last component ("trunk"), the nodes
+    /// below it by their path relative to it ("a.c", "dir/a.c"), URL-decoded.
     std::string path;
     /// The node's repository URL; null for an item Subversion has none for.
     LuSVNNode::URLPath URL;
@@ -57,7 +57,8 @@ struct TESSERA_EXPORT LuSVNInfo {
     LuSVNDepth depth = LuSVNDepthUnknown;
     /// The time of the working file that the working copy recorded.
     std::optional<Date> textLastUpdated;
-    /// The pristine text's checksum in hexadecimal (SHA-1 from 1.7 on).
+    /// The pristine text's checksum in hexadecimal: SHA-1 on backends 1.7
+    /// and later, MD5 through the older interface.
     std::optional<std::string> checksum;
     std::optional<std::string> changelist;
     /// Where a moved node came from or went, absolute paths (1.8 and later).

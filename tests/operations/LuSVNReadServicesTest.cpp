@@ -4,6 +4,7 @@
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNExportOptions.h>
 #include <tessera/LuSVNFile.h>
+#include <tessera/LuSVNInfo.h>
 #include <tessera/LuSVNPlatformExceptions.h>
 #include <tessera/LuSVNRepositoryInfo.h>
 #include <tessera/LuSVNStreams.h>
@@ -14,6 +15,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <stdexcept>
 #include <functional>
 #include <sstream>
 
@@ -44,15 +47,15 @@ public:
     long write(const std::uint8_t*, std::size_t) override { return -1; }
 };
 
-// The lock token svn info shows for the path, "" when none.
-std::string lockToken(const std::string& path)
+// One field of svn info's text ("Checksum"), "" when it has none.
+std::string infoField(const std::string& path, const std::string& label)
 {
     const std::string output = svn({"info", path}).output;
-    const auto start = output.find("Lock Token: ");
+    const auto start = output.find(label + ": ");
     if (start == std::string::npos)
         return "";
     const auto end = output.find('\n', start);
-    return output.substr(start + 12, end - start - 12);
+    return output.substr(start + label.size() + 2, end - start - label.size() - 2);
 }
 
 // "a.txt" with a keyword and native line ends, changed in r2; "big.bin" of
@@ -149,7 +152,7 @@ TEST_F(FileServices, FileNodesAgreeWithSvnInfo)
 {
     ASSERT_EQ(svn({"lock", "-q", "-m", "mine", wc + "/a.txt"}).status, 0);
     const auto context = contextFor(nullptr);
-    const std::string token = lockToken(wc + "/a.txt");
+    const std::string token = infoField(wc + "/a.txt", "Lock Token");
     ASSERT_FALSE(token.empty());
     struct Case {
         LuSVNNode::Path path;
@@ -267,7 +270,7 @@ TEST_F(FileServices, ListedNodesCarryTheirDetails)
     EXPECT_TRUE(a->hasProperties());
     EXPECT_EQ(a->revision(), 2);
     ASSERT_NE(a->lock(), nullptr);
-    EXPECT_EQ(a->lock()->token(), lockToken(repositoryURL + "/a.txt"));
+    EXPECT_EQ(a->lock()->token(), infoField(repositoryURL + "/a.txt", "Lock Token"));
     const auto dir = LuSVNNode::nodeWithPath(children, url(repositoryURL + "/dir"));
     ASSERT_NE(dir, nullptr);
     EXPECT_TRUE(dir->isDirectory());
@@ -342,6 +345,79 @@ TEST_F(FileServices, TheFactoryMakesTheNodeOfTheKind)
     EXPECT_FALSE(plain->hasProperties());
     tessera_test::expectParameterAssertion(
         [&] { LuSVNNode::nodeAtPath(nullptr, LuSVNRevisionSpec::HEAD(), context); }, "path != nil");
+}
+
+TEST_F(FileServices, InfoRecordsAgreeWithSvnInfo)
+{
+    ASSERT_EQ(svn({"changelist", "-q", "later", wc + "/big.bin"}).status, 0);
+    for (const char* backend : {static_cast<const char*>(nullptr), TESSERA_TEST_BUNDLE_1_6_23}) {
+        SCOPED_TRACE(backend ? backend : "newest");
+        const auto context = contextFor(backend);
+        std::vector<std::string> paths;
+        std::map<std::string, LuSVNInfo> records;
+        LuSVNNode::reportInfoForNodeAtPath(local(wc), LuSVNRevisionSpec::UNSPECIFIED(), LuSVNDepthInfinity,
+                                           [&](const LuSVNInfo& info) {
+                                               paths.push_back(info.path);
+                                               records[info.path] = info;
+                                           },
+                                           context);
+        EXPECT_EQ(paths.size(), 7u);  // the root, a.txt, big.bin, dir and the three below it
+        ASSERT_EQ(records.count(wc + "/a.txt"), 1u);
+        const LuSVNInfo& a = records[wc + "/a.txt"];
+        EXPECT_EQ(a.URL->string(), repositoryURL + "/a.txt");
+        EXPECT_EQ(a.repositoryRootURL->string(), repositoryURL);
+        EXPECT_EQ(a.repositoryUUID, svnInfo(wc, "repos-uuid"));
+        EXPECT_EQ(a.kind, LuSVNNodeKindFile);
+        EXPECT_EQ(a.revision, 2);
+        EXPECT_EQ(a.lastChangedRevision, 2);
+        EXPECT_TRUE(a.hasWorkingCopyInfo);
+        EXPECT_EQ(a.schedule, LuSVNScheduleNormal);
+        // The older interfaces give the MD5 checksum, 1.7 and later svn's SHA-1.
+        EXPECT_EQ(a.checksum->size(), backend ? 32u : 40u);
+        EXPECT_EQ(records[wc + "/big.bin"].changelist, "later");
+        EXPECT_EQ(records[wc + "/dir"].kind, LuSVNNodeKindDirectory);
+        if (!backend) {
+            EXPECT_EQ(a.workingCopyRootPath, wc);
+            EXPECT_EQ(a.checksum, infoField(wc + "/a.txt", "Checksum"));
+        }
+    }
+    // A repository's records name the target by its name, the nodes below it
+    // relative to it.
+    std::vector<std::string> paths;
+    LuSVNNode::reportInfoForNodeAtPath(url(repositoryURL + "/dir"), LuSVNRevisionSpec::HEAD(), LuSVNDepthImmediates,
+                                       [&](const LuSVNInfo& info) {
+                                           paths.push_back(info.path);
+                                           EXPECT_FALSE(info.hasWorkingCopyInfo);
+                                           if (info.path == "x y@z.txt") {
+                                               EXPECT_EQ(info.size, 2);
+                                           }
+                                       },
+                                       contextFor(nullptr));
+    std::sort(paths.begin(), paths.end());
+    EXPECT_EQ(paths, (std::vector<std::string>{"dir", "sub", "x y@z.txt"}));
+}
+
+TEST_F(FileServices, InfoReportsStopAndRefuseAsDocumented)
+{
+    int records = 0;
+    EXPECT_THROW(LuSVNNode::reportInfoForNodeAtPath(local(wc), LuSVNRevisionSpec::UNSPECIFIED(), LuSVNDepthInfinity,
+                                                    [&](const LuSVNInfo&) {
+                                                        ++records;
+                                                        throw std::runtime_error("enough");
+                                                    },
+                                                    contextFor(nullptr)),
+                 std::runtime_error);
+    EXPECT_EQ(records, 1);
+    try {
+        LuSVNNode::reportInfoForNodeAtPath(local(wc), LuSVNRevisionSpec::UNSPECIFIED(), LuSVNDepthFiles,
+                                           [](const LuSVNInfo&) {}, contextFor(TESSERA_TEST_BUNDLE_1_6_23));
+        ADD_FAILURE() << "depth files went through 1.6";
+    } catch (const LuSVNGenericException& exception) {
+        EXPECT_EQ(exception.reason(), "Invalid depth");
+    }
+    EXPECT_THROW(LuSVNNode::reportInfoForNodeAtPath(local(wc + "/missing"), LuSVNRevisionSpec::UNSPECIFIED(),
+                                                    LuSVNDepthEmpty, [](const LuSVNInfo&) {}, contextFor(nullptr)),
+                 LuSVNException);
 }
 
 std::string contents(const std::string& path)
