@@ -260,7 +260,7 @@ public:
     //
     //   std::shared_ptr<const LuSVNRepositoryInfo> repository;
     //   auto trunk = LuSVNDirectory::directoryAtPath(url, LuSVNRevisionSpec::HEAD(), &repository, context);
-    //   LuSVNDirectory::listNodesAtPath(url, LuSVNRevisionSpec::HEAD(), LuSVNDepthInfinity, false,
+    //   LuSVNDirectory::listNodesAtPath(url, LuSVNRevisionSpec::HEAD(), LuSVNDepthInfinity, true, false,
     //       [&](const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath) { ... }, context);
 
     /// The directory at the path (a working-copy path or a URL) and revision
@@ -298,8 +298,10 @@ public:
     /// (svn_client_list, entry point 56), handing each entry to the handler
     /// while Subversion reads: first the target itself (relative path ""),
     /// then to the depth its entries, a LuSVNDirectory or LuSVNFile each with
-    /// path, name, URL (for a URL target), size, last-changed revision, date,
-    /// author, properties flag and, with `fetchLocks`, the repository's lock.
+    /// path, name and URL (for a URL target); with `details` also size,
+    /// last-changed revision, date, author and properties flag (reading them
+    /// costs the repository a look at every entry's history, which a listing
+    /// of names does without); with `fetchLocks` the repository's lock.
     /// Depth empty lists the target alone, files its files, immediates its
     /// entries, infinity (or unknown) everything below it. Nothing is kept:
     /// a listing of a million entries needs no more memory than one of ten.
@@ -308,7 +310,8 @@ public:
     /// depth"; a Subversion error its LuSVNException. Raises "Invalid
     /// parameter not satisfying: path != nil" (and "revision != nil",
     /// "handler != nil", "context != nil").
-    static void listNodesAtPath(const Path& path, const Revision& revision, LuSVNDepth depth, bool fetchLocks,
+    static void listNodesAtPath(const Path& path, const Revision& revision, LuSVNDepth depth, bool details,
+                                bool fetchLocks,
                                 const ListHandler& handler, const Context& context);
 
 protected:

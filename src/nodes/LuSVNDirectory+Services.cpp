@@ -160,7 +160,7 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::directoryAtPath(const Path& path
 {
     auto directory = directoryAtPath(path, revision, context);
     Nodes found;
-    listNodesAtPath(path, revision, LuSVNDepthImmediates, true,
+    listNodesAtPath(path, revision, LuSVNDepthImmediates, true, true,
                     [&](const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath) {
                         if (!relativePath.empty())
                             found.push_back(node);
@@ -170,14 +170,15 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::directoryAtPath(const Path& path
     return directory;
 }
 
-void LuSVNDirectory::listNodesAtPath(const Path& path, const Revision& revision, LuSVNDepth depth, bool fetchLocks,
+void LuSVNDirectory::listNodesAtPath(const Path& path, const Revision& revision, LuSVNDepth depth, bool details,
+                                     bool fetchLocks,
                                      const ListHandler& handler, const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
     LUSVN_PARAMETER_ASSERT(revision != nullptr, "revision != nil");
     LUSVN_PARAMETER_ASSERT(handler != nullptr, "handler != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNDirectory", "listNodesAtPath:forRevision:depth:fetchLocks:handler:withContext",
+    LUSVN_TRACE("LuSVNDirectory", "listNodesAtPath:forRevision:depth:details:fetchLocks:handler:withContext",
                 {"path", path->string()}, {"revision", revision->description()},
                 {"depth", std::to_string(depth)}, {"context", context->description()});
     LuSVNCheckDepth(depth);
@@ -188,7 +189,7 @@ void LuSVNDirectory::listNodesAtPath(const Path& path, const Revision& revision,
     ListBaton baton{path, handler, depth, nullptr};
     const char* where = path->SVNRepresentationInPool(frame.pool());
     svn_error_t* error = LuSVNEntry<56>()(where, &peg, &operative, depth == LuSVNDepthInfinity || depth == LuSVNDepthUnknown,
-                                          SVN_DIRENT_ALL, fetchLocks, LuSVNListFunc, &baton, context->ctx(),
+                                          details ? SVN_DIRENT_ALL : SVN_DIRENT_KIND, fetchLocks, LuSVNListFunc, &baton, context->ctx(),
                                           frame.pool());
     if (baton.pending)
         LuSVNRethrowPending(baton.pending, error);

@@ -226,7 +226,7 @@ TEST_F(FileServices, FileRefusals)
 std::string listing(const LuSVNNode::Path& path, LuSVNDepth depth, const std::shared_ptr<LuSVNContext>& context)
 {
     std::string lines;
-    LuSVNDirectory::listNodesAtPath(path, LuSVNRevisionSpec::HEAD(), depth, false,
+    LuSVNDirectory::listNodesAtPath(path, LuSVNRevisionSpec::HEAD(), depth, false, false,
                                     [&](const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath) {
                                         if (relativePath.empty() && node->isDirectory())
                                             return;
@@ -277,7 +277,8 @@ TEST_F(FileServices, ListedNodesCarryTheirDetails)
     EXPECT_EQ(dir->revision(), 1);
 
     std::vector<std::string> names;
-    LuSVNDirectory::listNodesAtPath(url(repositoryURL + "/dir"), LuSVNRevisionSpec::HEAD(), LuSVNDepthInfinity, false,
+    LuSVNDirectory::listNodesAtPath(url(repositoryURL + "/dir"), LuSVNRevisionSpec::HEAD(), LuSVNDepthInfinity, true,
+                                    false,
                                     [&](const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath) {
                                         if (relativePath == "x y@z.txt") {
                                             EXPECT_EQ(node->path()->string(), repositoryURL + "/dir/x%20y@z.txt");

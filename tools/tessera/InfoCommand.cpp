@@ -247,18 +247,8 @@ void appendXML(std::string& out, const LuSVNInfo& info, bool isURL)
             appendXMLTaggedData(out, "date", repositoryDate(*info.lastChangedDate));
         out += "</commit>\n";
     }
-    if (const auto& lock = info.lock) {
-        out += "<lock>\n";
-        appendXMLTaggedData(out, "token", lock->token());
-        appendXMLTaggedData(out, "owner", lock->owner());
-        if (lock->comment())
-            appendXMLTaggedData(out, "comment", *lock->comment());
-        if (lock->creationDate())
-            appendXMLTaggedData(out, "created", repositoryDate(*lock->creationDate()));
-        if (lock->expirationDate())
-            appendXMLTaggedData(out, "expires", repositoryDate(*lock->expirationDate()));
-        out += "</lock>\n";
-    }
+    if (info.lock)
+        appendXMLLock(out, *info.lock);
     out += "</entry>\n";
 }
 

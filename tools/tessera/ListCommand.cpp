@@ -78,18 +78,8 @@ void appendXMLEntry(std::string& out, const LuSVNNode& node, const std::string& 
     if (node.date())
         appendXMLTaggedData(out, "date", repositoryDate(*node.date()));
     out += "</commit>\n";
-    if (const auto& lock = node.lock()) {
-        out += "<lock>\n";
-        appendXMLTaggedData(out, "token", lock->token());
-        appendXMLTaggedData(out, "owner", lock->owner());
-        if (lock->comment())
-            appendXMLTaggedData(out, "comment", *lock->comment());
-        if (lock->creationDate())
-            appendXMLTaggedData(out, "created", repositoryDate(*lock->creationDate()));
-        if (lock->expirationDate())
-            appendXMLTaggedData(out, "expires", repositoryDate(*lock->expirationDate()));
-        out += "</lock>\n";
-    }
+    if (node.lock())
+        appendXMLLock(out, *node.lock());
     out += "</entry>\n";
 }
 
@@ -104,7 +94,7 @@ void listTarget(const Settings& settings, const std::string& argument, LuSVNDept
         out.clear();
     }
     LuSVNDirectory::listNodesAtPath(
-        target.path, target.revision, depth, settings.verbose || settings.xml,
+        target.path, target.revision, depth, settings.verbose || settings.xml, settings.verbose || settings.xml,
         [&](const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath) {
             std::string name = relativePath;
             if (relativePath.empty()) {

@@ -1,6 +1,6 @@
-// A target of the commands that read a node (cat, list, info, export): a URL
-// or a working-copy path with its peg revision, and the revisions as svn
-// resolves them.
+// What the commands that read nodes (cat, list, info, export) share: a
+// target, a URL or a working-copy path with its peg revision, and the lock
+// element of their XML.
 #pragma once
 
 #include <tessera/Tessera.h>
@@ -23,3 +23,6 @@ struct TesseraReadTarget {
 /// The target of a command-line argument ("URL@5", "path@BASE") read at the
 /// operative revision of -r (null when not given).
 TesseraReadTarget readTarget(const std::string& argument, const std::shared_ptr<const LuSVNRevisionSpec>& operative);
+
+/// svn's <lock> element: token, owner, comment, created and expires dates.
+void appendXMLLock(std::string& out, const LuSVNLock& lock);
