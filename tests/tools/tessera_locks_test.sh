@@ -91,6 +91,7 @@ twin_step unlock $bob @SVNURL@/other
 twin_step unlock $bob --force @SVNURL@/other
 twin_step status -u $alice wc-alice
 twin_step update $bob wc-bob
+twin_step unlock $alice wc-alice/other
 twin_step update $alice wc-alice
 
 twin_finish

@@ -108,7 +108,7 @@ int lock(const CLI::App& command, const Settings& settings)
 const TesseraCommand lockCommand(
     {"lock",
      {},
-     "Lock working copy paths or URLs in the repository, so that\nno other user can commit changes to them.",
+     "Lock working copy paths or URLs in the repository, so that no other user can commit changes to them.",
      "lock TARGET...",
      "Use --force to steal a lock from another user or working copy."},
     [](CLI::App& command) -> TesseraCommand::Action {
