@@ -61,11 +61,13 @@ class LuSVNCommitOptions;
 class LuSVNContext;
 class LuSVNLogItem;
 class LuSVNLogMessageReceiverDelegate;
+class LuSVNLockOptions;
 class LuSVNLogOptions;
 class LuSVNResolveOptions;
 class LuSVNRevertOptions;
 class LuSVNStatusOptions;
 class LuSVNSwitchOptions;
+class LuSVNUnlockOptions;
 class LuSVNUpdateOptions;
 struct svn_dirent_t;
 struct svn_lock_t;
@@ -498,6 +500,48 @@ public:
     /// Takes the paths out of whatever changelist they are in (1.5 and later).
     static void removeNodesFromChangelists(const std::vector<LocalPath>& nodePaths, LuSVNDepth depth,
                                            const Context& context);
+
+    // --- Locking ------------------------------------------------------------------
+    //
+    //   LuSVNLockOptions options;
+    //   options.setStealLocks(true);                    // take over another user's lock
+    //   auto locks = LuSVNNode::lockNodes({path}, "editing", options, context);
+    //   node->controllingLock();                         // after a status walk with -u
+    //
+    // The targets are all working-copy paths or all URLs. Subversion works
+    // on every target and reports each one through the context's handler
+    // chain: LuSVNNotifyActionLocked (with the new lock) or
+    // LuSVNNotifyActionUnlocked, and LuSVNNotifyActionFailedLock or
+    // ...FailedUnlock with the error of a target that could not be locked or
+    // unlocked (already locked, out of date, no such file). After the call,
+    // failed targets raise one LuSVNException, E200009 "One or more locks
+    // could not be obtained" (or "... released"), whose causes are the
+    // errors of the failed targets one after the other; the other targets
+    // keep their new state. An error that stops the whole call (targets of
+    // two repositories, a path that is not versioned) raises its own
+    // exception. Each raises "Invalid parameter not satisfying: path != nil"
+    // for a null path and "... context != nil".
+
+    /// Locks the nodes with the comment (none: no comment) and answers the
+    /// locks obtained, in the order Subversion reported them (svn_client_lock,
+    /// entry point 57). A comment holding a zero byte raises
+    /// LuSVNInvalidArgumentException "Lock comment contains a zero byte"
+    /// before anything is locked.
+    static std::vector<std::shared_ptr<const LuSVNLock>> lockNodes(const std::vector<Path>& nodePaths,
+                                                                   const std::optional<std::string>& comment,
+                                                                   const LuSVNLockOptions& options,
+                                                                   const Context& context);
+    /// Unlocks the nodes (svn_client_unlock, entry point 71); breakLocks
+    /// removes locks that others hold, or that this working copy no longer
+    /// holds.
+    static void unlockNodes(const std::vector<Path>& nodePaths, const LuSVNUnlockOptions& options,
+                            const Context& context);
+    /// The lock that decides who may commit the node: without status its own
+    /// lock; else by lockStatus(): the node's own lock when the working copy
+    /// holds one that the repository has, lost or was not asked about
+    /// (LockedHere, Broken, LockedLocally), the repository's lock when another
+    /// one holds it (LockedElsewhere, Stolen), else none.
+    std::shared_ptr<const LuSVNLock> controllingLock() const;
 
 protected:
     LuSVNNode() = default;

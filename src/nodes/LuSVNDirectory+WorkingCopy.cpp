@@ -276,6 +276,7 @@ struct DirectoryStatusBaton {
     std::shared_ptr<LuSVNContext> context;
     LuSVNVersion version;
     std::string target;
+    bool compared;
     LuSVNPathStrings externals;
     std::shared_ptr<LuSVNDirectory> directory;
     std::uint32_t statii = 0;
@@ -293,6 +294,8 @@ void LuSVNDirectoryStatusFunc(void* baton, const char* path, svn_wc_status2_t* s
         if ((!status->entry || status->entry->kind == svn_node_dir) &&
             collector->externals.contains(itemPath->string()))
             status->text_status = svn_wc_status_external;
+        if (collector->compared)
+            LuSVNStatusMarkRepositoryAsked(*status);
         if (!collector->directory && itemPath->string() == collector->target) {
             auto directory = LuSVNDirectory::nodeWithPath(itemPath);
             directory->setStatus(LuSVNStatus::statusWithSVNStatus(status, collector->version));
@@ -327,6 +330,7 @@ void LuSVNDirectoryStatusFunc(void* baton, const char* path, svn_wc_status2_t* s
 struct NodeStatusBaton {
     std::shared_ptr<LuSVNContext> context;
     std::string target;
+    bool compared;
     LuSVNPathStrings externals;
     std::shared_ptr<LuSVNNode> node;
     LuSVNStatusMoves moves;
@@ -344,6 +348,8 @@ void LuTesseraNodeStatusFunc(void* baton, const char* path, svn_wc_status2_t* st
             return;
         if ((!status->entry || status->entry->kind == svn_node_dir) && collector->externals.contains(collector->target))
             status->text_status = svn_wc_status_external;
+        if (collector->compared)
+            LuSVNStatusMarkRepositoryAsked(*status);
         collector->node = LuSVNNode::nodeAtPath(itemPath, status, collector->context);
         LuSVNStatusSetMoves(*collector->node->status(), collector->moves);
     } catch (...) {
@@ -362,7 +368,8 @@ std::shared_ptr<LuSVNDirectory> LuSVNDirectory::statusForDirectoryAtPath(const L
     LUSVN_TRACE("LuSVNDirectory", "statusForDirectoryAtPath:withOptions:withContext", {"path", givenPath->string()},
                 {"options", options.description()}, {"context", context->description()});
     const LocalPath path = absolutePath(givenPath);
-    DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), externalsAbove(path, context),
+    DirectoryStatusBaton baton{context, *context->bundleVersion(), path->string(), options.compareAgainstRepository(),
+                               externalsAbove(path, context),
                                nullptr, 0, 0, nullptr};
     LuSVNBackendFrame frame(context->bundle());
     LuSVNReportStatus(*context, path, options, LuSVNStatusCall::withOptions(options), LuSVNDirectoryStatusFunc,
@@ -393,7 +400,8 @@ std::shared_ptr<LuSVNNode> LuSVNNode::nodeWithStatusAtPath(const LocalPath& give
     LUSVN_TRACE("LuSVNNode", "nodeWithStatusAtPath:withOptions:withContext", {"path", givenPath->string()},
                 {"options", options.description()}, {"context", context->description()});
     const LocalPath path = absolutePath(givenPath);
-    NodeStatusBaton baton{context, path->string(), externalsAbove(path, context), nullptr, {}, nullptr};
+    NodeStatusBaton baton{context, path->string(), options.compareAgainstRepository(), externalsAbove(path, context),
+                          nullptr, {}, nullptr};
     LuSVNStatusCall call = LuSVNStatusCall::withOptions(options);
     call.itemOnly = true;
     call.getAll = true;

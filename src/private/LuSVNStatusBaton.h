@@ -74,6 +74,11 @@ struct LuSVNStatusBaton {
 /// backend has returned.
 void LuSVNStatusFunc(void* baton, const char* path, svn_wc_status2_t* status);
 
+/// For a walk compared against the repository: an item the repository has
+/// not changed reads as normal there, not as not asked. Every collector of
+/// status records applies it, so that one item reads the same in each.
+void LuSVNStatusMarkRepositoryAsked(svn_wc_status2_t& status);
+
 /// ORs a and b into *aggregate; whether the word changed.
 bool LuSVNStatusAggregate(std::uint32_t a, std::uint32_t b, std::uint32_t* aggregate);
 

@@ -69,6 +69,18 @@ void enterDirectory(const std::shared_ptr<LuSVNDirectory>& directory, LuSVNStatu
     }
 }
 
+}  // namespace
+
+void LuSVNStatusMarkRepositoryAsked(svn_wc_status2_t& status)
+{
+    if (status.repos_text_status == svn_wc_status_none)
+        status.repos_text_status = svn_wc_status_normal;
+    if (status.repos_prop_status == svn_wc_status_none)
+        status.repos_prop_status = svn_wc_status_normal;
+}
+
+namespace {
+
 void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* status)
 {
     const auto path = LuSVNLocalPath::pathWithString(itemPath);
@@ -77,13 +89,8 @@ void walkItem(LuSVNStatusBaton& baton, const char* itemPath, svn_wc_status2_t* s
 
     if ((!status->entry || status->entry->kind == svn_node_dir) && baton.externals.contains(key))
         status->text_status = svn_wc_status_external;
-    // Asked and unchanged reads as normal, not as not asked.
-    if (options.compareAgainstRepository()) {
-        if (status->repos_text_status == svn_wc_status_none)
-            status->repos_text_status = svn_wc_status_normal;
-        if (status->repos_prop_status == svn_wc_status_none)
-            status->repos_prop_status = svn_wc_status_normal;
-    }
+    if (options.compareAgainstRepository())
+        LuSVNStatusMarkRepositoryAsked(*status);
 
     if (abnormal(status->text_status) || abnormal(status->prop_status)) {
         // Left out of the walk, a conflict's extra files do not count either.

@@ -42,10 +42,21 @@ twin_start() {
 }
 
 # twin_serve: an svnserve for each side on 127.0.0.1, stopped at exit. Call it
-# after twin_twin, which makes the tessera side's repository anew.
+# after twin_twin, which makes the tessera side's repository anew. With
+# twin_users set ("alice:secret bob:builder"), those users write and
+# anonymous users only read.
 twin_serve() {
   for side in svn tessera; do
-    printf '[general]\nanon-access = write\n' >"$work/$side/repo/conf/svnserve.conf"
+    if [ -n "${twin_users:-}" ]; then
+      printf '[general]\nanon-access = read\nauth-access = write\npassword-db = passwd\n' \
+        >"$work/$side/repo/conf/svnserve.conf"
+      printf '[users]\n' >"$work/$side/repo/conf/passwd"
+      for user in $twin_users; do
+        printf '%s = %s\n' "${user%%:*}" "${user#*:}" >>"$work/$side/repo/conf/passwd"
+      done
+    else
+      printf '[general]\nanon-access = write\n' >"$work/$side/repo/conf/svnserve.conf"
+    fi
     tries=0
     while :; do
       # A port picked at random, again when it is taken.

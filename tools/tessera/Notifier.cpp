@@ -328,6 +328,20 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     case CleanupExternal:
         print("Performing cleanup on external item at '" + path + "'.\n");
         break;
+    case LuSVNNotifyActionLocked:
+        print("'" + path + "' locked by user '" + (n.lock() ? n.lock()->owner() : std::string()) + "'.\n");
+        break;
+    case LuSVNNotifyActionUnlocked:
+        print("'" + path + "' unlocked.\n");
+        break;
+    case LuSVNNotifyActionFailedLock:
+    case LuSVNNotifyActionFailedUnlock:
+        // The target is skipped; the command's own error comes at the end.
+        if (beforePrinting_)
+            beforePrinting_();
+        if (n.error())
+            printWarning(n.error()->status(), n.error()->reason());
+        break;
     default:
         // The library's own start and end of operations, and what svn
         // itself does not show.

@@ -1,0 +1,139 @@
+// tessera lock TARGET...: files locked in the repository, as svn lock.
+#include <tessera/Tessera.h>
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "Command.h"
+#include "LockTargets.h"
+#include "Messages.h"
+#include "Options.h"
+
+namespace {
+
+struct Settings {
+    std::vector<std::string> arguments;
+    std::optional<std::string> targetsFile;
+    std::optional<std::string> message;
+    std::optional<std::string> commentFile;
+    bool force = false;
+    bool forceLog = false;
+    bool quiet = false;
+};
+
+// svn's codes for a comment it will not take.
+constexpr int CommentIsVersionedFile = 205004;
+constexpr int CommentIsPathname = 205005;
+constexpr int BadComment = 205008;
+constexpr int InconsistentLineEndings = 135000;
+
+// The comment with its line ends made LF, as svn stores it; one text must
+// keep to one style of line end.
+std::string withLineFeeds(const std::string& text)
+{
+    std::string result;
+    std::string style;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        if (text[index] != '\r' && text[index] != '\n') {
+            result += text[index];
+            continue;
+        }
+        const bool pair = text[index] == '\r' && index + 1 < text.size() && text[index + 1] == '\n';
+        const std::string end = pair ? "\r\n" : std::string(1, text[index]);
+        if (style.empty())
+            style = end;
+        else if (end != style)
+            throwErrorChain({{InconsistentLineEndings, "Inconsistent line ending style"}});
+        result += '\n';
+        index += pair ? 1 : 0;
+    }
+    return result;
+}
+
+// Whether the file is a versioned item of a working copy.
+bool isVersioned(const std::string& file)
+{
+    try {
+        auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle());
+        LuSVNNode::kindOfNodeAtPath(LuSVNLocalPath::pathWithString(std::filesystem::absolute(file).string()),
+                                    LuSVNRevisionSpec::UNSPECIFIED(), context);
+        return true;
+    } catch (const LuSVNException&) {
+        return false;
+    }
+}
+
+// The comment as -m or -F gives it, checked as svn checks it before it
+// runs the command: a versioned file or a path given as the text is likely
+// a mistake.
+std::optional<std::string> givenComment(const Settings& settings)
+{
+    std::error_code error;
+    if (settings.message && !settings.forceLog && std::filesystem::exists(*settings.message, error))
+        throwErrorChain({{CommentIsPathname,
+                          "The lock comment is a pathname (was -F intended?); use '--force-log' to override"}});
+    if (!settings.commentFile)
+        return settings.message;
+    std::ifstream file(*settings.commentFile, std::ios::binary);
+    if (!file)
+        throwErrorChain({{2, "Can't open file '" + *settings.commentFile + "': No such file or directory"}});
+    std::ostringstream text;
+    text << file.rdbuf();
+    if (!settings.forceLog && isVersioned(*settings.commentFile))
+        throwErrorChain({{CommentIsVersionedFile,
+                          "Lock comment file is a versioned file; use '--force-log' to override"}});
+    return text.str();
+}
+
+int lock(const CLI::App& command, const Settings& settings)
+{
+    std::optional<std::string> comment = givenComment(settings);
+    const TesseraLockTargets targets = lockTargets(command, settings.arguments, settings.targetsFile);
+    if (comment && comment->find('\0') != std::string::npos)
+        throwErrorChain({{BadComment, "Lock comment contains a zero byte"}});
+    if (comment)
+        comment = withLineFeeds(*comment);
+    LuSVNLockOptions options;
+    options.setStealLocks(settings.force);
+    runOnLockTargets(targets, settings.quiet, [&](const std::shared_ptr<LuSVNContext>& context) {
+        LuSVNNode::lockNodes(targets.paths, comment, options, context);
+    });
+    return 0;
+}
+
+const TesseraCommand lockCommand(
+    {"lock",
+     {},
+     "Lock working copy paths or URLs in the repository, so that no other user can commit changes to them.",
+     "lock TARGET...",
+     "Use --force to steal a lock from another user or working copy."},
+    [](CLI::App& command) -> TesseraCommand::Action {
+        auto settings = std::make_shared<Settings>();
+        addOption(
+            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
+            "pass contents of file ARG as additional args");
+        addOption(
+            command, "-m,--message", [settings](const std::string& text) { settings->message = text; },
+            "specify lock comment ARG");
+        addOption(
+            command, "-F,--file", [settings](const std::string& file) { settings->commentFile = file; },
+            "read lock comment from file ARG");
+        addFlag(command, "--force-log", settings->forceLog, "force validity of lock comment source");
+        addFlag(command, "--force", settings->force, "steal locks");
+        addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
+        addArguments(command, settings->arguments);
+        // svn refuses the pair while reading the options.
+        command.final_callback([settings] {
+            if (settings->message && settings->commentFile)
+                LuSVNException::exceptionWithReason("--message (-m) and --file (-F) are mutually exclusive",
+                                                    TesseraArgumentParsingError)
+                    ->raise();
+        });
+        return [&command, settings] { return lock(command, *settings); };
+    });
+
+}  // namespace
