@@ -202,13 +202,6 @@ TEST_P(WorkingCopyOperations, ChangelistsFromRelease15)
 }
 
 INSTANTIATE_TEST_SUITE_P(Backends, WorkingCopyOperations, ::testing::ValuesIn(allBackends()),
-                         [](const auto& info) {
-                             const std::string path = info.param ? info.param : "svn-newest";
-                             std::string name = std::filesystem::path(path).stem().string();
-                             for (char& c : name)
-                                 if (!std::isalnum(static_cast<unsigned char>(c)))
-                                     c = '_';
-                             return name;
-                         });
+                         [](const auto& info) { return backendName(info.param); });
 
 }  // namespace

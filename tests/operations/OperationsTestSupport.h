@@ -12,6 +12,8 @@
 #include <tessera/LuSVNURL.h>
 #include <tessera/LuSVNUsernameProvider.h>
 
+#include <cctype>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -29,6 +31,17 @@ inline const std::vector<const char*>& allBackends()
     static const std::vector<const char*> backends{nullptr, TESSERA_TEST_BUNDLE_1_6_23, TESSERA_TEST_BUNDLE_1_5_9,
                                                    TESSERA_TEST_BUNDLE_1_4_6};
     return backends;
+}
+
+/// The backend's name as a test-name suffix: its bundle's stem, letters
+/// and digits only ("svn-newest" for the newest loaded one).
+inline std::string backendName(const char* bundle)
+{
+    std::string name = std::filesystem::path(bundle ? bundle : "svn-newest").stem().string();
+    for (char& c : name)
+        if (!std::isalnum(static_cast<unsigned char>(c)))
+            c = '_';
+    return name;
 }
 
 /// A context on the backend (null: the newest loaded one) that answers
