@@ -355,7 +355,7 @@ public:
 
     /// The values of one property on the path and, when `recursive`, on
     /// every item below it that has it, keyed by the item's path as
-    /// Subversion names it (a local path or a URL), in path order. Raises
+    /// Subversion names it (a local path or a URL), in Subversion's path order ("/" first). Raises
     /// "Invalid parameter not satisfying: path != nil" (and "revision !=
     /// nil", "context != nil").
     static std::vector<std::pair<std::string, LuSVNPropertyValue>> propertiesWithName(
@@ -382,8 +382,9 @@ public:
     static LuSVNPropertyMap propertiesForNodeAtPath(const Path& path, const Revision& revision,
                                                     const Context& context);
     /// The properties of the node and, when `recursive`, of every item
-    /// below it that has some, keyed by the item's path as Subversion names
-    /// it, in path order.
+    /// below it, keyed by the item's path as Subversion names it, in the
+    /// order Subversion reports them (directory entries of a repository
+    /// unsorted); an item without properties may be left out.
     static std::vector<std::pair<std::string, LuSVNPropertyMap>> propertiesForNodesAtPath(
         const Path& path, const Revision& revision, bool recursive, const Context& context);
 

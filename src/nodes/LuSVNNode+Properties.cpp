@@ -4,8 +4,6 @@
 #include <tessera/LuSVNPropertyConversion.h>
 
 #include <algorithm>
-#include <iterator>
-#include <map>
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
@@ -73,6 +71,16 @@ LuSVNPropertyValue valueOfBytes(const std::string& bytes)
     return LuSVNData(bytes.data(), bytes.size());
 }
 
+// Subversion's order of paths (svn_path_compare_paths): "/" before every
+// other character, a path before the paths below it.
+std::vector<unsigned> pathOrderKey(const std::string& path)
+{
+    std::vector<unsigned> key;
+    for (const char c : path)
+        key.push_back(c == '/' ? 1u : static_cast<unsigned char>(c) + 2u);
+    return key;
+}
+
 // The working value of a property on a working-copy item, "" without it.
 std::string workingBytes(const std::string& name, const LuSVNNode::LocalPath& path,
                          const LuSVNNode::Context& context)
@@ -122,12 +130,14 @@ std::vector<std::pair<std::string, LuSVNPropertyValue>> LuSVNNode::propertiesWit
                 {"recursive", recursive ? "1" : "0"}, {"context", context->description()});
     LuSVNBackendFrame frame(context->bundle());
     const char* target = path->SVNRepresentationInPool(frame.pool());
-    std::map<std::string, LuSVNPropertyValue> values;
+    std::vector<std::pair<std::string, LuSVNPropertyValue>> values;
     for (const auto& [key, value] :
          tessera_private::LuSVNPropertyValues(name, *path, target, *revision, recursive, *context, frame.pool()))
         if (value)
-            values.emplace(key, LuSVNObjectFromSVNString(value));
-    return {values.begin(), values.end()};
+            values.emplace_back(key, LuSVNObjectFromSVNString(value));
+    std::sort(values.begin(), values.end(),
+              [](const auto& a, const auto& b) { return pathOrderKey(a.first) < pathOrderKey(b.first); });
+    return values;
 }
 
 void LuSVNNode::setProperty(const std::string& name, const std::optional<LuSVNPropertyValue>& value,
@@ -180,13 +190,16 @@ std::vector<std::pair<std::string, LuSVNPropertyMap>> LuSVNNode::propertiesForNo
         LuSVNEntry<63>()(&items, target, &peg, &operative, recursive, context->ctx(), frame.pool()));
     if (!items)
         throw LuSVNException("svn_client_proplist2 returned null array");
-    std::map<std::string, LuSVNPropertyMap> result;
+    std::vector<std::pair<std::string, LuSVNPropertyMap>> result;
     for (int i = 0; i < items->nelts; ++i) {
         const auto* item = reinterpret_cast<svn_client_proplist_item_t* const*>(items->elts)[i];
         if (!item)
             throw LuSVNException("svn_client_proplist2 returned array with null item");
         LuSVNPropertyMap& properties =
-            result[item->node_name ? std::string(item->node_name->data, item->node_name->len) : std::string()];
+            result.emplace_back(item->node_name ? std::string(item->node_name->data, item->node_name->len)
+                                                : std::string(),
+                                LuSVNPropertyMap())
+                .second;
         for (apr_hash_index_t* index = item->prop_hash ? LuSVNEntry<14>()(frame.pool(), item->prop_hash) : nullptr;
              index; index = LuSVNEntry<15>()(index)) {
             const void* key = nullptr;
@@ -197,7 +210,7 @@ std::vector<std::pair<std::string, LuSVNPropertyMap>> LuSVNNode::propertiesForNo
                                LuSVNObjectFromSVNString(static_cast<const svn_string_t*>(value)));
         }
     }
-    return {std::make_move_iterator(result.begin()), std::make_move_iterator(result.end())};
+    return result;
 }
 
 std::vector<std::string> LuSVNNode::ignoredFilenamesForNodeAtPath(const Path& path, const Revision& revision,
