@@ -3,7 +3,8 @@
 // LuSVNInvalidArgumentException (text that is not UTF-8, a revision the
 // library cannot hold). Every definition has a source and a relative target
 // that does not climb, and survives copying and archiving equal, with the
-// same hash.
+// same hash. Printed back, in the format each line came from, the value
+// parses to the same definitions in the same formats.
 #include <tessera/LuSVNException.h>
 #include <tessera/LuSVNExternalDefinition.h>
 #include <tessera/LuSVNKeyedArchiver.h>
@@ -34,5 +35,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             LuSVNKeyedArchiver::archivedDataWithRootObject(definition));
         require(*restored == definition && restored->hash() == definition.hash(), "an archive restores it");
     }
+    const std::string printed = LuSVNExternalDefinition::stringFromExternalDefinitionList(definitions);
+    std::vector<LuSVNExternalDefinition> reparsed;
+    try {
+        reparsed = LuSVNExternalDefinition::externalDefinitionListValue(printed);
+    } catch (const LuSVNException& failure) {
+        require(false, ("the printed value parses: " + printed + ": " + failure.reason()).c_str());
+    }
+    require(reparsed == definitions, ("the printed value gives the same definitions: " + printed).c_str());
+    for (std::size_t i = 0; i < definitions.size(); ++i)
+        require(reparsed[i].format() == definitions[i].format(), ("each keeps its format: " + printed).c_str());
     return 0;
 }

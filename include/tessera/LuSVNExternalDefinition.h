@@ -27,6 +27,15 @@
 
 struct apr_pool_t;
 
+/// The two line syntaxes of "svn:externals".
+enum class LuSVNExternalFormat {
+    /// "DIR URL", "DIR -r N URL": releases before 1.5; the URL is absolute
+    /// and the peg revision is the revision.
+    Old,
+    /// "URL DIR", "-r N URL@PEG DIR": 1.5 and later, relative URLs allowed.
+    New,
+};
+
 class TESSERA_EXPORT LuSVNExternalDefinition final : public LuSVNCoding {
 public:
     /// No source or target; the revision HEAD at peg HEAD.
@@ -51,6 +60,10 @@ public:
     /// The same with the loader's newest backend and a pool of its own.
     static std::vector<LuSVNExternalDefinition> externalDefinitionListValue(std::string_view description);
 
+    /// The definitions as a property value: each printed with stringValue,
+    /// one a line, each line ending in "\n".
+    static std::string stringFromExternalDefinitionList(const std::vector<LuSVNExternalDefinition>& definitions);
+
     static LuSVNExternalDefinition initWithCoder(LuSVNCoder& coder);
 
     const std::optional<std::string>& sourceDirectory() const { return sourceDirectory_; }
@@ -61,6 +74,22 @@ public:
     void setSourceRevision(std::shared_ptr<LuSVNMutableRevisionSpec> revision);
     const std::optional<std::string>& targetDirectory() const { return targetDirectory_; }
     void setTargetDirectory(std::optional<std::string> target) { targetDirectory_ = std::move(target); }
+
+    /// The syntax the definition was parsed from; New for a definition made
+    /// otherwise (and for one decoded from an archive, which keeps only the
+    /// keys above).
+    LuSVNExternalFormat format() const { return format_; }
+    void setFormat(LuSVNExternalFormat format) { format_ = format; }
+
+    /// The definition as one line of "svn:externals" (no line end) in its
+    /// format, which the parser reads back as an equal definition: blanks,
+    /// quotes and backslashes escaped with a backslash, a peg revision
+    /// written where the URL needs one to keep its own "@", and the other
+    /// format where this one cannot say it (a relative URL, a peg revision
+    /// other than the revision, a revision keyword in the old format).
+    /// Revisions as numbers, "{date}" in UTC with microseconds, or the
+    /// keywords HEAD, BASE, COMMITTED, PREV.
+    std::string stringValue() const;
 
     /// Source directory, target directory and source revision each equal.
     bool isEqualToDefinition(const LuSVNExternalDefinition& other) const;
@@ -82,6 +111,7 @@ private:
     std::optional<std::string> sourceDirectory_;
     std::shared_ptr<LuSVNMutableRevisionSpec> sourceRevision_;
     std::optional<std::string> targetDirectory_;
+    LuSVNExternalFormat format_ = LuSVNExternalFormat::New;
 };
 
 template <>

@@ -41,16 +41,19 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include <tessera/LuSVNBundleProxy.h>
 #include <tessera/LuSVNCoder.h>
 #include <tessera/LuSVNExport.h>
+#include <tessera/LuSVNExternalDefinition.h>
 #include <tessera/LuSVNLocalPath.h>
 #include <tessera/LuSVNLock.h>
 #include <tessera/LuSVNOptions.h>
 #include <tessera/LuSVNPath.h>
 #include <tessera/LuSVNRevisionSpec.h>
+#include <tessera/LuSVNStandardProperties.h>
 #include <tessera/LuSVNStatus.h>
 #include <tessera/LuSVNStrings.h>
 #include <tessera/LuSVNURL.h>
@@ -397,6 +400,85 @@ public:
     /// satisfying: path != nil" (and "revision != nil", "context != nil").
     static std::optional<LuSVNPropertyValue> propertyWithName(const std::string& name, const Path& path,
                                                               const Revision& revision, const Context& context);
+
+    // Properties of working copies and of repositories. Values that are not
+    // UTF-8 text come back as LuSVNData, byte for byte. Setting works on
+    // working-copy paths only: Subversion's svn_client_propset2 (entry point
+    // 64) refuses URLs ("Setting property on non-local targets needs a base
+    // revision"), and the backend table has no revision-property calls.
+
+    /// The values of one property on the path and, when `recursive`, on
+    /// every item below it that has it, keyed by the item's path as
+    /// Subversion names it (a local path or a URL), in Subversion's path order ("/" first). Raises
+    /// "Invalid parameter not satisfying: path != nil" (and "revision !=
+    /// nil", "context != nil").
+    static std::vector<std::pair<std::string, LuSVNPropertyValue>> propertiesWithName(
+        const std::string& name, const Path& path, const Revision& revision, bool recursive,
+        const Context& context);
+
+    /// Sets the property on the working-copy item (svn_client_propset2,
+    /// entry point 64, not recursive, with Subversion's checks); a null
+    /// value deletes it. Raises "Invalid parameter not satisfying: path !=
+    /// nil" (and "context != nil").
+    static void setProperty(const std::string& name, const std::optional<LuSVNPropertyValue>& value,
+                            const LocalPath& path, const Context& context);
+    /// The same on the item and, when `recursive`, on everything below it;
+    /// `force` skips Subversion's checks of the value (an svn:eol-style on a
+    /// binary file, a MIME type it does not know).
+    static void setProperty(const std::string& name, const std::optional<LuSVNPropertyValue>& value,
+                            const LocalPath& path, bool recursive, bool force, const Context& context);
+
+    /// Every property of the node (svn_client_proplist2, entry point 63);
+    /// empty when it has none. Raises "svn_client_proplist2 returned null
+    /// array" and "svn_client_proplist2 returned array with null item" for
+    /// such answers, and "Invalid parameter not satisfying: path != nil"
+    /// (and "revision != nil", "context != nil").
+    static LuSVNPropertyMap propertiesForNodeAtPath(const Path& path, const Revision& revision,
+                                                    const Context& context);
+    /// The properties of the node and, when `recursive`, of every item
+    /// below it, keyed by the item's path as Subversion names it, in the
+    /// order Subversion reports them (directory entries of a repository
+    /// unsorted); an item without properties may be left out.
+    static std::vector<std::pair<std::string, LuSVNPropertyMap>> propertiesForNodesAtPath(
+        const Path& path, const Revision& revision, bool recursive, const Context& context);
+
+    /// The patterns of the node's "svn:ignore" property (see
+    /// LuSVNPropertyConversion::ignoreListValue); empty without it. Raises
+    /// "Invalid parameter not satisfying: path != nil" (and "revision !=
+    /// nil", "context != nil").
+    static std::vector<std::string> ignoredFilenamesForNodeAtPath(const Path& path, const Revision& revision,
+                                                                  const Context& context);
+    /// Replaces "svn:ignore" with the patterns, one a line, each once
+    /// (LuSVNPropertyConversion::stringFromIgnoreList). Raises "Invalid
+    /// parameter not satisfying: path != nil" (and "context != nil").
+    static void setIgnoredFilenames(const std::vector<std::string>& filenames, const LocalPath& path,
+                                    const Context& context);
+    /// Appends the pattern as a line of its own to "svn:ignore" unless a
+    /// line already holds it; every other byte of the value stays.
+    static void addIgnoredFilename(const std::string& pattern, const LocalPath& path, const Context& context);
+    /// Removes every line of "svn:ignore" that holds just the pattern
+    /// (blanks around it aside); every other byte of the value stays, and a
+    /// value left empty deletes the property.
+    static void removeIgnoredFilename(const std::string& pattern, const LocalPath& path, const Context& context);
+
+    /// The definitions of the node's "svn:externals" property, in order
+    /// (LuSVNExternalDefinition::externalDefinitionListValue); empty
+    /// without it. Raises "Invalid parameter not satisfying: path != nil"
+    /// (and "revision != nil", "context != nil").
+    static std::vector<LuSVNExternalDefinition> externalDefinitionsForNodeAtPath(const Path& path,
+                                                                                const Revision& revision,
+                                                                                const Context& context);
+    /// Appends the definition, printed in its format, as a line of its own
+    /// to "svn:externals"; every other byte of the value stays.
+    static void addExternalDefinition(const LuSVNExternalDefinition& definition, const LocalPath& path,
+                                      const Context& context);
+    /// Removes the lines of "svn:externals" whose definition goes into the
+    /// target directory; every other byte of the value stays, and a value
+    /// left without definitions deletes the property. Raises
+    /// LuSVNInvalidExternalsDescriptionException for a value Subversion
+    /// cannot parse.
+    static void removeExternalDefinition(const std::string& targetDirectory, const LocalPath& path,
+                                         const Context& context);
 
     // --- Working copies -----------------------------------------------------------
 

@@ -157,6 +157,17 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
             print("A    " + path + "\n");
         }
         break;
+    case LuSVNNotifyActionPropertyAdded:
+    case LuSVNNotifyActionPropertyModified:
+        print("property '" + n.propertyName().value_or("") + "' set on '" + path + "'\n");
+        break;
+    case LuSVNNotifyActionPropertyDeleted:
+        print("property '" + n.propertyName().value_or("") + "' deleted from '" + path + "'.\n");
+        break;
+    case LuSVNNotifyActionPropertyDeletedNonExistent:
+        print("Attempting to delete nonexistent property '" + n.propertyName().value_or("") + "' on '" + path +
+              "'\n");
+        break;
     case LuSVNNotifyActionExists: {
         receivedSomeChange_ = true;
         char text = 'E', properties = ' ';
