@@ -26,6 +26,8 @@ enum LuSVNBatchAnswer : std::int32_t {
     LuSVNBatchAnswerCancel = 2,   ///< end the batch: the operation raises its cancellation
 };
 
+/// The caller's say about each item of a batch; each answer has a default,
+/// so a handler overrides only the questions it cares about.
 class TESSERA_EXPORT LuSVNBatchHandler {
 public:
     virtual ~LuSVNBatchHandler() = default;
