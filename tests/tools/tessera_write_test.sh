@@ -24,6 +24,7 @@ twin_step mkdir "wc/new dir" wc/ünï
 twin_step mkdir wc/x/y
 twin_step mkdir --parents wc/x/y
 twin_step mkdir wc/z @URL@/z
+twin_step mkdir -m "local" wc/z
 twin_step mkdir
 twin_both '
   printf "one\n" > wc/one.txt && printf "two\n" > "wc/two words.txt" && printf "p\n" > "wc/per%cent#.txt"
@@ -46,6 +47,8 @@ twin_step cp wc/one.txt @URL@/trunk/one.txt wc/mixed
 twin_step cp wc/one.txt wc/missing.txt wc/nowhere
 twin_step cp wc/nothing.txt wc/else.txt
 twin_step cp wc/one.txt
+twin_step cp -m "local" wc/one.txt wc/one-m.txt
+twin_step cp -r HEAD wc/one.txt wc/one-head.txt
 twin_step cp -r xyz wc/one.txt wc/bad-rev.txt
 twin_both 'mkdir plain'
 twin_step cp wc/one.txt plain/one.txt
@@ -77,6 +80,7 @@ twin_step rm -m "drop served" @SVNURL@/branches/peg2
 twin_step rm -m "nothing" @URL@/branches/none
 twin_step rm wc/a @URL@/trunk/a
 twin_step rm
+twin_step rm -m "local" wc/three.txt
 twin_step commit -q -m "deletes" wc
 
 # Import: a tree, files only, ignores, odd names, bad input.

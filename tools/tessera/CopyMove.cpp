@@ -96,6 +96,8 @@ int copyOrMove(const CLI::App& command, const TesseraCopyMoveSettings& settings,
                                             UnsupportedFeature)
             ->raise();
 
+    if (!toRepository)
+        refuseLogMessageLocally(*settings.logMessage);
     for (const auto& source : sources) {
         std::error_code error;
         if (!fromRepository && !fs::exists(fs::symlink_status(absoluteTargetPath(source.first), error)))

@@ -83,6 +83,7 @@ int deleteTargets(const CLI::App& command, const Settings& settings)
     TesseraOperation operation(remote ? targets.front() : absoluteTargetPath(targets.front()),
                                {settings.quiet, false});
     if (!remote) {
+        refuseLogMessageLocally(*settings.logMessage);
         std::vector<LuSVNNode::LocalPath> local;
         for (const auto& path : paths)
             local.push_back(std::dynamic_pointer_cast<const LuSVNLocalPath>(path));

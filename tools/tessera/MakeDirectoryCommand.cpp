@@ -32,6 +32,8 @@ int makeDirectories(const CLI::App& command, const Settings& settings)
     checkArgumentCount(command, settings.arguments, 1, static_cast<std::size_t>(-1));
     const std::vector<LuSVNNode::Path> paths = repositoryOrWorkingCopyTargets(command, settings.arguments);
     const bool remote = isURL(settings.arguments.front());
+    if (!remote)
+        refuseLogMessageLocally(*settings.logMessage);
     const std::string first = remote ? settings.arguments.front() : absoluteTargetPath(settings.arguments.front());
     TesseraOperation operation(first, {settings.quiet, false});
     commitWithLogMessage(operation, *settings.logMessage, std::filesystem::current_path().string(), settings.quiet, [&] {

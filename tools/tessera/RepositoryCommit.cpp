@@ -14,6 +14,8 @@ namespace {
 
 // svn's code for targets of both kinds.
 constexpr int IllegalTarget = 200009;
+// svn's code for a log message where nothing is committed.
+constexpr int LocalLogMessage = 205009;
 
 // The text of -m, else of the file of -F, read as svn reads it.
 std::optional<std::string> messageText(const TesseraLogMessageOptions& options)
@@ -78,6 +80,14 @@ void addLogMessageOptions(CLI::App& command, const std::shared_ptr<TesseraLogMes
                                                 TesseraArgumentParsingError)
                 ->raise();
     });
+}
+
+void refuseLogMessageLocally(const TesseraLogMessageOptions& options)
+{
+    if (options.message || options.messageFile)
+        LuSVNException::exceptionWithReason(
+            "Local, non-commit operations do not take a log message or revision properties", LocalLogMessage)
+            ->raise();
 }
 
 std::int32_t commitWithLogMessage(TesseraOperation& operation, const TesseraLogMessageOptions& options,

@@ -36,6 +36,9 @@ LuSVNNode::URLPath targetURL(const std::string& text);
 std::vector<LuSVNNode::Path> repositoryOrWorkingCopyTargets(const CLI::App& command,
                                                             const std::vector<std::string>& arguments);
 
+/// svn's refusal, E205009, of a log message for a change of a working copy.
+void refuseLogMessageLocally(const TesseraLogMessageOptions& options);
+
 /// Runs the work with the log message of the options (-m, the file of -F,
 /// else the editor, whose file goes to the base directory) and prints
 /// "Committed revision N." unless quiet or nothing was committed. A failure
