@@ -13,6 +13,7 @@
 #include <tessera/LuSVNPlatformExceptions.h>
 #include <tessera/LuSVNSimpleLogMessageProvider.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "LuSVNAssert.h"
@@ -45,15 +46,6 @@ apr_array_header_t* targetArray(const Paths& paths, apr_pool_t* pool)
         *static_cast<const char**>(LuSVNEntry<12>()(array)) = targetOf(path, pool);
     }
     return array;
-}
-
-template <class Paths>
-std::string describePaths(const Paths& paths)
-{
-    std::string text = "(";
-    for (const auto& path : paths)
-        text += (text.size() > 1 ? ", " : "") + (path ? path->string() : std::string("(null)"));
-    return text + ")";
 }
 
 std::int32_t committedRevision(const svn_commit_info_t* info)
@@ -179,7 +171,7 @@ std::int32_t LuSVNNode::createDirectoriesAtPaths(const std::vector<Path>& paths,
                                                  const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "createDirectoriesAtPaths:withContext", {"paths", describePaths(paths)},
+    LUSVN_TRACE("LuSVNNode", "createDirectoriesAtPaths:withContext", {"paths", LuSVNDescribePaths(paths)},
                 {"makeParents", makeParents ? "YES" : "NO"}, {"context", context->description()});
     const bool newer = LuSVNHasDepthForms(*context);
     if (!newer && makeParents)
@@ -207,7 +199,7 @@ std::int32_t LuSVNNode::deleteNodes(const std::vector<Path>& nodePaths, const Lu
                                     const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "deleteNodes:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+    LUSVN_TRACE("LuSVNNode", "deleteNodes:withOptions:withContext", {"nodePaths", LuSVNDescribePaths(nodePaths)},
                 {"options", options.description()}, {"context", context->description()});
     if (nodePaths.empty())
         return LuSVNInvalidRevision;
@@ -230,7 +222,7 @@ std::int32_t LuSVNNode::deleteRepositoryNodesAtURLs(const std::vector<URLPath>& 
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "deleteRepositoryNodesAtURLs:withOptions:withContext",
-                {"nodePaths", describePaths(nodePaths)}, {"options", options.description()},
+                {"nodePaths", LuSVNDescribePaths(nodePaths)}, {"options", options.description()},
                 {"context", context->description()});
     LuSVNBackendFrame frame(context->bundle());
     context->beginProgress();
@@ -245,7 +237,7 @@ void LuSVNNode::deleteWorkingCopyNodesAtPaths(const std::vector<LocalPath>& node
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "deleteWorkingCopyNodesAtPaths:withOptions:withContext",
-                {"nodePaths", describePaths(nodePaths)}, {"options", options.description()},
+                {"nodePaths", LuSVNDescribePaths(nodePaths)}, {"options", options.description()},
                 {"context", context->description()});
     // Every path is judged before anything goes, so a refusal loses nothing.
     std::vector<LocalPath> versioned;
@@ -322,7 +314,7 @@ std::vector<std::int32_t> LuSVNNode::importNodes(const std::vector<LocalPath>& p
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_PARAMETER_ASSERT(paths.size() == urls.size(), "[paths count] == [urls count]");
     LUSVN_TRACE("LuSVNNode", "importNodes:intoRepositoryAtURLs:withOptions:handler:contextInfo:withContext",
-                {"paths", describePaths(paths)}, {"urls", describePaths(urls)}, {"options", options.description()},
+                {"paths", LuSVNDescribePaths(paths)}, {"urls", LuSVNDescribePaths(urls)}, {"options", options.description()},
                 {"context", context->description()});
     std::vector<std::int32_t> revisions;
     if (paths.empty())
@@ -410,13 +402,13 @@ std::vector<std::int32_t> LuSVNNode::moveNodes(const std::vector<Path>& sourcePa
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_PARAMETER_ASSERT(sourcePaths.size() == destPaths.size(), "[sourcePaths count] == [destPaths count]");
     LUSVN_TRACE("LuSVNNode", "moveNodes:toPaths:copy:withOptions:handler:contextInfo:withContext",
-                {"sourcePaths", describePaths(sourcePaths)}, {"destPaths", describePaths(destPaths)},
+                {"sourcePaths", LuSVNDescribePaths(sourcePaths)}, {"destPaths", LuSVNDescribePaths(destPaths)},
                 {"copy", copy ? "YES" : "NO"}, {"options", options.description()},
                 {"context", context->description()});
+    // Only commits to a repository need the message.
     std::optional<BatchLogMessage> message;
-    for (const auto& path : destPaths)
-        if (path && !localPathOf(path) && !message)
-            message.emplace(context, commitItemsForMoveOfNodes(sourcePaths, destPaths, copy));
+    if (std::any_of(destPaths.begin(), destPaths.end(), [](const Path& path) { return path && !localPathOf(path); }))
+        message.emplace(context, commitItemsForMoveOfNodes(sourcePaths, destPaths, copy));
     const std::string cancelReason = copy ? "Operation canceled by user" : "Move was canceled by user";
     std::vector<std::int32_t> revisions;
     for (std::size_t index = 0; index < sourcePaths.size(); ++index)
