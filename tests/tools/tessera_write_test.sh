@@ -49,6 +49,10 @@ twin_step cp wc/nothing.txt wc/else.txt
 twin_step cp wc/one.txt
 twin_step cp -m "local" wc/one.txt wc/one-m.txt
 twin_step cp -r HEAD wc/one.txt wc/one-head.txt
+twin_step cp wc/one.txt@COMMITTED wc/one-committed.txt
+twin_step cp -r BASE wc/one.txt wc/one-base.txt
+twin_step cp -m "dated" "@URL@/trunk@{2200-01-01}" @URL@/branches/dated
+twin_step cp -m "bad date" -r "{not a date}" @URL@/trunk @URL@/branches/undated
 twin_step cp -r xyz wc/one.txt wc/bad-rev.txt
 twin_both 'mkdir plain'
 twin_step cp wc/one.txt plain/one.txt
