@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <tessera/LuSVNExport.h>
@@ -18,6 +19,8 @@
 #include <tessera/LuSVNRevision.h>
 #include <tessera/LuSVNURL.h>
 
+class LuSVNNode;
+class LuSVNStatus;
 struct svn_client_commit_item2_t;
 struct svn_client_commit_item3_t;
 
@@ -54,6 +57,24 @@ public:
     static LuSVNCommitItem commitItemForSVNCommitItem(const svn_client_commit_item3_t* item);
     /// The same from the record of backends older than 1.5.
     static LuSVNCommitItem commitItemForSVNCommitItem(const svn_client_commit_item2_t* item);
+
+    /// What a commit of the item with this working-copy status would do;
+    /// none when it would commit nothing. From the text status: added gives
+    /// add and copy with a copy source, else add and modification (and
+    /// property modification when the item has properties); deleted gives
+    /// delete; replaced add, delete and modification; modified or merged
+    /// modification. A changed property status (added, deleted, replaced,
+    /// modified, merged) adds property modification. The copy source is the
+    /// status's copyFromURL at copyFromRevision; path, URL, revision, kind
+    /// and lock stay as after construction. Raises "Invalid parameter not
+    /// satisfying: status != nil" for null.
+    static std::optional<LuSVNCommitItem> commitItemForStatus(const std::shared_ptr<const LuSVNStatus>& status);
+    /// commitItemForStatus of the node's status (a node without status reads
+    /// as LuSVNStatus::status()), completed from the node: kind 2 for a
+    /// directory node, else 1; locked when the node has a lock; path,
+    /// revision and URL. Raises "Invalid parameter not satisfying: node !=
+    /// nil" for null.
+    static std::optional<LuSVNCommitItem> commitItemForNode(const std::shared_ptr<const LuSVNNode>& node);
 
     const LuSVNPath::Path& path() const { return path_; }
     void setPath(LuSVNPath::Path path) { path_ = std::move(path); }

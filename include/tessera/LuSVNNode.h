@@ -33,6 +33,7 @@
 //   LuSVNVersion release = LuSVNNode::versionForWorkingCopyAtPath("/home/me/wc");
 #pragma once
 
+#include <any>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -60,6 +61,12 @@
 #include <tessera/LuSVNVersion.h>
 
 class LuSVNAddOptions;
+class LuSVNBatchHandler;
+class LuSVNCommitItem;
+class LuSVNCopyOptions;
+class LuSVNDeleteOptions;
+class LuSVNImportOptions;
+class LuSVNMoveOptions;
 class LuSVNCommitOptions;
 class LuSVNContext;
 class LuSVNLogItem;
@@ -582,6 +589,112 @@ public:
     /// Takes the paths out of whatever changelist they are in (1.5 and later).
     static void removeNodesFromChangelists(const std::vector<LocalPath>& nodePaths, LuSVNDepth depth,
                                            const Context& context);
+
+    // --- Changes of repositories and working copies -------------------------------
+    //
+    //   context->setLogMessageProvider(LuSVNSimpleLogMessageProvider::providerWithMessage("Layout"));
+    //   std::int32_t made = LuSVNNode::createDirectoriesAtPaths({url(".../trunk")}, context);
+    //   LuSVNNode::moveNodeAtPath(local("wc/a"), local("wc/b"), LuSVNMoveOptions(), context);
+    //
+    // An operation on URLs commits once and answers the committed revision;
+    // its log message comes from the context's log-message provider chain, as
+    // a commit's does. On working-copy paths the answer is
+    // LuSVNInvalidRevision. Notifications reach the context's handler chain.
+    // Each raises "Invalid parameter not satisfying: ..." for a null
+    // argument and the LuSVNException of a Subversion error.
+
+    /// Makes the directories, all URLs or all working-copy paths
+    /// (svn_client_mkdir3 with the parents on backends 1.5 and later, else
+    /// svn_client_mkdir2). A provider chain giving no message raises
+    /// LuSVNOperationCancelledException "Operation was cancelled".
+    static std::int32_t createDirectoriesAtPaths(const std::vector<Path>& paths, bool makeParents,
+                                                 const Context& context);
+    /// The same without the parents.
+    static std::int32_t createDirectoriesAtPaths(const std::vector<Path>& paths, const Context& context);
+
+    /// Nothing for no paths; URLs when the first path is one (all go to
+    /// deleteRepositoryNodesAtURLs), else working-copy paths.
+    static std::int32_t deleteNodes(const std::vector<Path>& nodePaths, const LuSVNDeleteOptions& options,
+                                    const Context& context);
+    /// Deletes the items from the repository in one commit; none when the
+    /// provider chain gives no message (LuSVNInvalidRevision).
+    static std::int32_t deleteRepositoryNodesAtURLs(const std::vector<URLPath>& nodePaths,
+                                                    const LuSVNDeleteOptions& options, const Context& context);
+    /// Schedules the items for deletion and removes them from disk. An
+    /// unversioned item raises LuSVNUnversionedResourceException "Cannot
+    /// delete '<path>' because it is unversioned and force was not
+    /// specified" and stays; with force it is removed from disk, and one
+    /// the file system refuses to remove raises "Cannot delete '<path>'. The
+    /// file may be in use". Nothing is deleted when one path is refused.
+    static void deleteWorkingCopyNodesAtPaths(const std::vector<LocalPath>& nodePaths,
+                                              const LuSVNDeleteOptions& options, const Context& context);
+    /// Makes room at the path for a file moved or copied there from the
+    /// local source: a versioned item is deleted from the working copy
+    /// (forced), anything else removed from disk; nothing when there is
+    /// nothing at the path. A source that is no local path raises
+    /// LuSVNInvalidArgumentException "Local source path expected".
+    static void deleteNodeAtPath(const LocalPath& path, const Path& source, const Context& context);
+
+    /// Imports the unversioned tree at the path into the repository at the
+    /// URL in one commit (svn_client_import2). A provider chain giving no
+    /// message raises LuSVNOperationCancelledException "Operation was
+    /// cancelled".
+    static std::int32_t importNodeAtPath(const LocalPath& path, const URLPath& url,
+                                         const LuSVNImportOptions& options, const Context& context);
+    /// Imports each path into the URL of the same index, one commit each,
+    /// asking the handler (may be null) about each. The log message is asked
+    /// once, with commitItemsForImportOfNodes, and used for every commit; no
+    /// message raises "Operation was cancelled", a handler's cancel
+    /// "Import was canceled by user" (LuSVNOperationCancelledException).
+    /// Answers each item's revision, LuSVNInvalidRevision for a skipped one.
+    /// Paths and URLs of different counts raise "Invalid parameter not
+    /// satisfying: [paths count] == [urls count]".
+    static std::vector<std::int32_t> importNodes(const std::vector<LocalPath>& paths, const std::vector<URLPath>& urls,
+                                                 const LuSVNImportOptions& options,
+                                                 const std::shared_ptr<LuSVNBatchHandler>& handler,
+                                                 const std::any& contextInfo, const Context& context);
+    /// One added item per pair: the local path with the URL it goes to and
+    /// the kind on disk.
+    static std::vector<LuSVNCommitItem> commitItemsForImportOfNodes(const std::vector<LocalPath>& paths,
+                                                                    const std::vector<URLPath>& urls);
+
+    /// Copies the source (at the options' revision) to the destination
+    /// (svn_client_copy3); either may be a working-copy path or a URL. A
+    /// destination in a directory that is not under version control raises
+    /// LuSVNNotWorkingCopyException "Failed to copy item at '<source>' to
+    /// unversioned directory at '<directory>'".
+    static std::int32_t copyNodeAtPath(const Path& sourcePath, const Path& destPath, const LuSVNCopyOptions& options,
+                                       const Context& context);
+    /// Moves the source to the destination (svn_client_move4, forced as the
+    /// options say); "Failed to move item at ..." as for copies.
+    static std::int32_t moveNodeAtPath(const Path& sourcePath, const Path& destPath, const LuSVNMoveOptions& options,
+                                       const Context& context);
+    /// Copies (copy true) or moves each source to the destination of the
+    /// same index, one operation each, asking the handler (may be null)
+    /// about each item and about each existing local destination (see
+    /// LuSVNBatchHandler). A log message is asked once when a destination is
+    /// a URL, as importNodes does. A handler's cancel raises
+    /// LuSVNOperationCancelledException "Operation canceled by user" for
+    /// copies, "Move was canceled by user" for moves. Answers each item's
+    /// revision.
+    static std::vector<std::int32_t> moveNodes(const std::vector<Path>& sourcePaths, const std::vector<Path>& destPaths,
+                                               bool copy, const LuSVNMoveOptions& options,
+                                               const std::shared_ptr<LuSVNBatchHandler>& handler,
+                                               const std::any& contextInfo, const Context& context);
+    /// moveNodes of one item; a handler's cancel raises "Move was canceled".
+    static std::int32_t moveNodeAtPath(const Path& source, const Path& target, bool copy,
+                                       const LuSVNMoveOptions& options,
+                                       const std::shared_ptr<LuSVNBatchHandler>& handler,
+                                       const std::any& contextInfo, const Context& context);
+    /// Per pair the destination as an added copy of the source (the source
+    /// at the HEAD revision as copy source), and for a move the source as a
+    /// deleted item after it.
+    static std::vector<LuSVNCommitItem> commitItemsForMoveOfNodes(const std::vector<Path>& sourcePaths,
+                                                                  const std::vector<Path>& destPaths, bool copy);
+
+    /// The message the context's log-message provider chain gives for the
+    /// items; the empty string when it gives none or there is no provider.
+    static std::string promptForLogMessage(const std::vector<LuSVNCommitItem>& commitItems, const Context& context);
 
     // --- Locking ------------------------------------------------------------------
     //

@@ -7,6 +7,7 @@
 #include <tessera/LuSVNAuthenticationIterator.h>
 #include <tessera/LuSVNAuthenticationProvider.h>
 #include <tessera/LuSVNAuthenticationStack.h>
+#include <tessera/LuSVNBatchHandler.h>
 #include <tessera/LuSVNBerkeleyDBOptions.h>
 #include <tessera/LuSVNBlame.h>
 #include <tessera/LuSVNBlameSection.h>

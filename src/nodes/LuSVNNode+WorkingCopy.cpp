@@ -195,14 +195,6 @@ LuSVNNode::LocalPath LuSVNNode::BASEPathForNodeAtPath(const LocalPath& path, con
 
 namespace {
 
-std::string describePaths(const std::vector<LuSVNNode::LocalPath>& paths)
-{
-    std::string text = "(";
-    for (const auto& path : paths)
-        text += (text.size() > 1 ? ", " : "") + (path ? path->string() : std::string("(null)"));
-    return text + ")";
-}
-
 std::string firstPath(const std::vector<LuSVNNode::LocalPath>& paths)
 {
     return paths.empty() || !paths.front() ? std::string() : paths.front()->string();
@@ -215,7 +207,7 @@ std::vector<std::int32_t> LuSVNNode::updateNodes(const std::vector<LocalPath>& n
 {
     LUSVN_PARAMETER_ASSERT(revision != nullptr, "revision != nil");
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "updateNodes:toRevision:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+    LUSVN_TRACE("LuSVNNode", "updateNodes:toRevision:withOptions:withContext", {"nodePaths", LuSVNDescribePaths(nodePaths)},
                 {"revision", revision->description()}, {"options", options.description()},
                 {"context", context->description()});
     LuSVNCheckDepth(options.depth());
@@ -296,7 +288,7 @@ std::int32_t LuSVNNode::commitChangesToNodes(const std::vector<LocalPath>& nodeP
                                              const LuSVNCommitOptions& options, const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "commitChangesToNodes:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+    LUSVN_TRACE("LuSVNNode", "commitChangesToNodes:withOptions:withContext", {"nodePaths", LuSVNDescribePaths(nodePaths)},
                 {"options", options.description()}, {"context", context->description()});
     LuSVNCheckDepth(options.depth());
     const bool newer = LuSVNHasDepthForms(*context);
@@ -357,7 +349,7 @@ void LuSVNNode::revertNodes(const std::vector<LocalPath>& nodePaths, const LuSVN
                             const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "revertNodes:withOptions:withContext", {"nodePaths", describePaths(nodePaths)},
+    LUSVN_TRACE("LuSVNNode", "revertNodes:withOptions:withContext", {"nodePaths", LuSVNDescribePaths(nodePaths)},
                 {"options", options.description()}, {"context", context->description()});
     LuSVNCheckDepth(options.depth());
     const bool newer = LuSVNHasDepthForms(*context);
@@ -410,7 +402,7 @@ void LuSVNNode::addNodesToChangelist(const std::vector<LocalPath>& nodePaths, co
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
     LUSVN_TRACE("LuSVNNode", "addNodesToChangelist:changelist:depth:withContext",
-                {"nodePaths", describePaths(nodePaths)}, {"changelist", changelist},
+                {"nodePaths", LuSVNDescribePaths(nodePaths)}, {"changelist", changelist},
                 {"depth", std::to_string(depth)}, {"context", context->description()});
     LuSVNCheckDepth(depth);
     LuSVNBackendFrame frame(context->bundle());
@@ -424,7 +416,7 @@ void LuSVNNode::removeNodesFromChangelists(const std::vector<LocalPath>& nodePat
                                            const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
-    LUSVN_TRACE("LuSVNNode", "removeNodesFromChangelists:depth:withContext", {"nodePaths", describePaths(nodePaths)},
+    LUSVN_TRACE("LuSVNNode", "removeNodesFromChangelists:depth:withContext", {"nodePaths", LuSVNDescribePaths(nodePaths)},
                 {"depth", std::to_string(depth)}, {"context", context->description()});
     LuSVNCheckDepth(depth);
     LuSVNBackendFrame frame(context->bundle());

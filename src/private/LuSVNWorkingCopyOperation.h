@@ -71,6 +71,16 @@ inline apr_array_header_t* LuSVNPathArray(const std::vector<std::shared_ptr<cons
     return array;
 }
 
+/// The paths for the level-3 log line: "(a, b)", "(null)" for a null path.
+template <class Paths>
+std::string LuSVNDescribePaths(const Paths& paths)
+{
+    std::string text = "(";
+    for (const auto& path : paths)
+        text += (text.size() > 1 ? ", " : "") + (path ? path->string() : std::string("(null)"));
+    return text + ")";
+}
+
 /// Runs the operation between its Started notification (none when
 /// `started` is nullopt) and its Succeeded or Failed one, each for the path,
 /// and starts the context's progress anew. The Failed notification carries

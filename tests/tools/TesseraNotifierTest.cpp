@@ -87,6 +87,8 @@ TEST(TesseraNotifier, LinesOfOneStep)
         {{LuSVNNotifyActionCommitAdded, "/wc/sub/f"}, "Adding         f\n"},
         {{LuSVNNotifyActionCommitDeleted, "/wc/sub/f"}, "Deleting       f\n"},
         {{LuSVNNotifyActionCommitReplaced, "/wc/sub/f"}, "Replacing      f\n"},
+        {{LuSVNNotifyActionCommitCopied, "/wc/sub/f"}, "Adding copy of        f\n"},
+        {{LuSVNNotifyActionCommitCopiedReplaced, "/wc/sub/f"}, "Replacing copy of     f\n"},
         {{LuSVNNotifyActionUpdateExternal, "/wc/sub/ext"}, "\nFetching external item into 'ext':\n"},
         {{LuSVNNotifyActionUpgradedPath, "/wc/sub"}, "Upgraded '.'\n"},
         {{76, "/wc/sub/ext"}, "Performing cleanup on external item at 'ext'.\n"},

@@ -4,14 +4,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "Command.h"
-#include "LogMessage.h"
+#include "RepositoryCommit.h"
 #include "Messages.h"
 #include "Operation.h"
 #include "Options.h"
@@ -21,14 +18,11 @@ namespace {
 struct Settings {
     std::vector<std::string> arguments;
     std::optional<std::string> targetsFile;
-    std::optional<std::string> message;
-    std::optional<std::string> messageFile;
-    std::optional<std::string> editorCommand;
+    std::shared_ptr<TesseraLogMessageOptions> logMessage = std::make_shared<TesseraLogMessageOptions>();
     std::optional<std::string> depth;
     bool nonRecursive = false;
     bool quiet = false;
     bool noUnlock = false;
-    bool forceLog = false;
 };
 
 // Where svn keeps the editor's file and shows the items from: the targets'
@@ -52,19 +46,6 @@ std::string baseDirectory(const std::vector<std::string>& targets)
 int commit(const Settings& settings)
 {
     const auto targets = localTargets(settings.arguments, settings.targetsFile, true);
-    std::optional<std::string> message = settings.message;
-    if (settings.messageFile) {
-        std::ifstream file(*settings.messageFile, std::ios::binary);
-        if (!file)
-            LuSVNException::exceptionWithReason("Can't open file '" + *settings.messageFile +
-                                                    "': No such file or directory",
-                                                2)
-                ->raise();
-        std::ostringstream text;
-        text << file.rdbuf();
-        message = text.str();
-    }
-
     LuSVNCommitOptions options;
     options.setDepth(settings.depth ? depthForWord(*settings.depth)
                      : settings.nonRecursive ? LuSVNDepthEmpty
@@ -75,29 +56,8 @@ int commit(const Settings& settings)
     for (const std::string& target : targets)
         paths.push_back(targetPath(splitPegRevision(target).first));
     TesseraOperation operation(targets.front(), {settings.quiet, true});
-    auto provider = std::make_shared<TesseraLogMessageProvider>(TesseraLogMessageProvider::Settings{
-        message, settings.editorCommand, baseDirectory(targets),
-        !tesseraGlobalSettings().interactive()});
-    operation.context()->setLogMessageProvider(provider);
-    std::int32_t revision = LuSVNInvalidRevision;
-    try {
-        revision = LuSVNNode::commitChangesToNodes(paths, options, operation.context());
-    } catch (const LuSVNException& failure) {
-        // svn's words around a failed commit: what failed in finding the
-        // message is the commit's failure, and the user's text is kept.
-        auto links = errorLinks(failure);
-        if (provider->failed())
-            links.insert(links.begin(), {links.front().first, "Commit failed (details follow):"});
-        if (provider->leftFile()) {
-            links.emplace_back(links.front().first, "Your commit message was left in a temporary file:");
-            links.emplace_back(links.front().first, "   '" + *provider->leftFile() + "'");
-        }
-        throwErrorChain(links);
-    }
-    provider->removeLeftFile();
-    operation.finishProgress();
-    if (revision != LuSVNInvalidRevision && !settings.quiet)
-        std::printf("Committed revision %d.\n", revision);
+    commitWithLogMessage(operation, *settings.logMessage, baseDirectory(targets), settings.quiet,
+                         [&] { return LuSVNNode::commitChangesToNodes(paths, options, operation.context()); });
     return 0;
 }
 
@@ -117,24 +77,8 @@ const TesseraCommand commitCommand(
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
         addTargetsOption(command, settings->targetsFile);
         addFlag(command, "--no-unlock", settings->noUnlock, "don't unlock the targets");
-        addOption(
-            command, "-m,--message", [settings](const std::string& text) { settings->message = text; },
-            "specify log message ARG");
-        addOption(
-            command, "-F,--file", [settings](const std::string& file) { settings->messageFile = file; },
-            "read log message from file ARG");
-        addFlag(command, "--force-log", settings->forceLog, "force validity of log message source");
-        addOption(
-            command, "--editor-cmd", [settings](const std::string& editor) { settings->editorCommand = editor; },
-            "use ARG as external editor");
+        addLogMessageOptions(command, settings->logMessage);
         addArguments(command, settings->arguments);
-        // svn refuses the pair while reading the options.
-        command.final_callback([settings] {
-            if (settings->message && settings->messageFile)
-                LuSVNException::exceptionWithReason("--message (-m) and --file (-F) are mutually exclusive",
-                                                    TesseraArgumentParsingError)
-                    ->raise();
-        });
         return [settings] { return commit(*settings); };
     });
 

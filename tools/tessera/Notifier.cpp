@@ -282,15 +282,19 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
         print("Sending        " + path + "\n");
         break;
     case LuSVNNotifyActionCommitAdded:
-    case LuSVNNotifyActionCommitCopied:
         print("Adding         " + path + "\n");
+        break;
+    case LuSVNNotifyActionCommitCopied:
+        print("Adding copy of        " + path + "\n");
         break;
     case LuSVNNotifyActionCommitDeleted:
         print("Deleting       " + path + "\n");
         break;
     case LuSVNNotifyActionCommitReplaced:
-    case LuSVNNotifyActionCommitCopiedReplaced:
         print("Replacing      " + path + "\n");
+        break;
+    case LuSVNNotifyActionCommitCopiedReplaced:
+        print("Replacing copy of     " + path + "\n");
         break;
     case LuSVNNotifyActionCommitPostfixTXDelta:
         print(sentFirstDelta_ ? "." : "Transmitting file data .");
