@@ -198,10 +198,7 @@ const TesseraCommand blameCommand(
         addFlag(command, "-v,--verbose", settings->verbose, "print the date of each line's revision too");
         addFlag(command, "--xml", settings->xml, "output in XML");
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
-        addOption(
-            command, "-x,--extensions", [settings](const std::string& text) { settings->extensions = text; },
-            "how lines are compared: -b (--ignore-space-change),\n"
-            "-w (--ignore-all-space), --ignore-eol-style");
+        addExtensionsOption(command, settings->extensions);
         addFlag(command, "--local", settings->local, "lay the committed blame over the working file's edits");
         addArguments(command, settings->arguments);
         return [settings, &command] { return blame(command, *settings); };
