@@ -19,6 +19,8 @@
 #include <tessera/LuSVNNode.h>
 #include <tessera/LuSVNStatusOptions.h>
 
+class LuSVNRepositoryInfo;
+
 /// A directory node; its class answers the status walk
 /// (statusForNodesInDirectoryAtPath) and the externals queries.
 class TESSERA_EXPORT LuSVNDirectory : public LuSVNNode {
@@ -253,6 +255,61 @@ public:
     /// and no external script is run on this platform. `force` is kept for
     /// callers of the older form; Subversion's upgrade has no such choice.
     static void upgradeWorkingCopyAtPath(const LocalPath& path, const LuSVNVersion& version, bool force);
+
+    // --- Repository services ---------------------------------------------------------
+    //
+    //   std::shared_ptr<const LuSVNRepositoryInfo> repository;
+    //   auto trunk = LuSVNDirectory::directoryAtPath(url, LuSVNRevisionSpec::HEAD(), &repository, context);
+    //   LuSVNDirectory::listNodesAtPath(url, LuSVNRevisionSpec::HEAD(), LuSVNDepthInfinity, false,
+    //       [&](const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath) { ... }, context);
+
+    /// The directory at the path (a working-copy path or a URL) and revision
+    /// as svn info reports it (svn_client_info, entry point 54): path, name,
+    /// URL, last-changed revision, date and author, and the lock its working
+    /// copy holds; with `repositoryInfo` (may be null) also the repository's
+    /// UUID, root URL and the directory's revision. Raises LuSVNException
+    /// "'<path>' does not exist" for a local path that does not exist,
+    /// LuSVNNotWorkingCopyException "'<path>' is not a working copy" for one
+    /// outside a working copy, LuSVNInternalInconsistencyException "Expected
+    /// valid dir from LuSVNInfoFunc" for a file, and "Unable to obtain dir
+    /// info from svn for '<path>'. Does URL point to root directory of
+    /// pre-1.2 repository?" when Subversion reports nothing, except over
+    /// svn+ssh, where the node is made from the path alone. Raises "Invalid
+    /// parameter not satisfying: path != nil" (and "revision != nil",
+    /// "context != nil").
+    static std::shared_ptr<LuSVNDirectory> directoryAtPath(const Path& path, const Revision& revision,
+                                                           std::shared_ptr<const LuSVNRepositoryInfo>* repositoryInfo,
+                                                           const Context& context);
+    /// directoryAtPath without the repository information.
+    static std::shared_ptr<LuSVNDirectory> directoryAtPath(const Path& path, const Revision& revision,
+                                                           const Context& context);
+    /// directoryAtPath, and in `children` one node per entry of the
+    /// directory in the repository at that revision (svn_client_list, entry
+    /// point 56), as listNodesAtPath makes them, in Subversion's order.
+    static std::shared_ptr<LuSVNDirectory> directoryAtPath(const Path& path, const Revision& revision,
+                                                           Nodes& children, const Context& context);
+
+    /// Receives each node of a listing and its path relative to the listed
+    /// target, as Subversion writes it ("" for the target itself, "sub/a b.c").
+    using ListHandler = std::function<void(const std::shared_ptr<LuSVNNode>& node, const std::string& relativePath)>;
+
+    /// Lists the repository below the path (a URL, or a working-copy path
+    /// whose repository node is listed) at the revision, as svn list does
+    /// (svn_client_list, entry point 56), handing each entry to the handler
+    /// while Subversion reads: first the target itself (relative path ""),
+    /// then to the depth its entries, a LuSVNDirectory or LuSVNFile each with
+    /// path, name, URL (for a URL target), size, last-changed revision, date,
+    /// author, properties flag and, with `fetchLocks`, the repository's lock.
+    /// Depth empty lists the target alone, files its files, immediates its
+    /// entries, infinity (or unknown) everything below it. Nothing is kept:
+    /// a listing of a million entries needs no more memory than one of ten.
+    /// An exception of the handler stops the listing and reaches the caller.
+    /// Depth exclude and values outside Subversion's depths raise "Invalid
+    /// depth"; a Subversion error its LuSVNException. Raises "Invalid
+    /// parameter not satisfying: path != nil" (and "revision != nil",
+    /// "handler != nil", "context != nil").
+    static void listNodesAtPath(const Path& path, const Revision& revision, LuSVNDepth depth, bool fetchLocks,
+                                const ListHandler& handler, const Context& context);
 
 protected:
     LuSVNDirectory() = default;

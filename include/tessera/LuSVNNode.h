@@ -35,6 +35,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -69,6 +70,8 @@ class LuSVNUpdateOptions;
 struct svn_dirent_t;
 struct svn_lock_t;
 struct svn_wc_status2_t;
+class LuSVNExportOptions;
+struct LuSVNInfo;
 
 /// Who holds the lock of a working-copy node (lockStatus).
 enum LuSVNLockStatus : std::int32_t {
@@ -321,6 +324,55 @@ public:
     /// null when Subversion reports none. Raises "Invalid parameter not
     /// satisfying: path != nil" (and "context != nil").
     static URLPath URLForNodeAtPath(const Path& path, const Context& context);
+
+    // --- Nodes of a revision, export ----------------------------------------------
+    //
+    //   auto node = LuSVNNode::nodeAtPath(url, LuSVNRevisionSpec::HEAD(), context);
+    //   LuSVNExportOptions options;
+    //   options.setEOLMarkers(LuSVNEndOfLineLF);
+    //   std::int32_t exported = LuSVNNode::exportNodeAtPath(url, local, options, context);
+
+    /// The node at the path (a working-copy path or a URL) and revision: a
+    /// LuSVNDirectory (LuSVNDirectory::directoryAtPath) when isDirectoryAtPath
+    /// says so, else a LuSVNFile (LuSVNFile::fileAtPath, asking the
+    /// repository for its lock when `fetchLock` is set). Raises what those
+    /// raise, and "Invalid parameter not satisfying: path != nil" (and
+    /// "revision != nil", "context != nil").
+    static std::shared_ptr<LuSVNNode> nodeAtPath(const Path& path, const Revision& revision, bool fetchLock,
+                                                 const Context& context);
+    /// nodeAtPath with the lock fetched.
+    static std::shared_ptr<LuSVNNode> nodeAtPath(const Path& path, const Revision& revision, const Context& context);
+
+    /// Exports the node (a working-copy path or a URL) at the options'
+    /// revision into `toPath` as an unversioned tree, as svn export does:
+    /// svn_client_export4 (entry point 52) to the options' depth on backends
+    /// 1.5 and later, svn_client_export3 (entry point 51) before, which knows
+    /// only depths files and infinity ("Invalid depth" otherwise). An
+    /// existing target is overwritten only with overwriteExisting; externals
+    /// are exported with processExternals; native-style files get the
+    /// options' EOLMarkers when set. Each item exported reaches the context's
+    /// handlers as Subversion's notification. Answers the revision exported
+    /// (LuSVNInvalidRevision for a working copy's working files). Raises the
+    /// LuSVNException of Subversion's error, and "Invalid parameter not
+    /// satisfying: path != nil" (and "toPath != nil", "context != nil").
+    static std::int32_t exportNodeAtPath(const Path& path, const LocalPath& toPath, const LuSVNExportOptions& options,
+                                         const Context& context);
+
+    /// Receives each record of an info report.
+    using InfoHandler = std::function<void(const LuSVNInfo& info)>;
+
+    /// Reports what Subversion knows of the node at the path (a
+    /// working-copy path or a URL) and revision, and of the nodes below it
+    /// to the depth, as svn info does, one LuSVNInfo each to the handler
+    /// while Subversion reads: svn_client_info3 (entry point 55) on
+    /// backends 1.7 and later, which know every depth, else svn_client_info
+    /// (entry point 54), which knows depths empty and infinity only
+    /// ("Invalid depth" otherwise). An exception of the handler stops the
+    /// report and reaches the caller; a Subversion error raises its
+    /// LuSVNException. Raises "Invalid parameter not satisfying: path !=
+    /// nil" (and "revision != nil", "handler != nil", "context != nil").
+    static void reportInfoForNodeAtPath(const Path& path, const Revision& revision, LuSVNDepth depth,
+                                        const InfoHandler& handler, const Context& context);
 
     // --- History --------------------------------------------------------------
 

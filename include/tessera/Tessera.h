@@ -51,6 +51,7 @@
 #include <tessera/LuSVNFileSystemOptions.h>
 #include <tessera/LuSVNHeadRevision.h>
 #include <tessera/LuSVNImportOptions.h>
+#include <tessera/LuSVNInfo.h>
 #include <tessera/LuSVNInitialize.h>
 #include <tessera/LuSVNKeyedArchiver.h>
 #include <tessera/LuSVNLocalPath.h>

@@ -246,7 +246,11 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     case LuSVNNotifyActionUpdateCompleted: {
         const std::string revision = std::to_string(n.revision());
         const bool external = inExternal_ > 0;
-        if (n.revision() == LuSVNInvalidRevision)
+        if (export_ && n.revision() == LuSVNInvalidRevision)
+            print(external ? "External export complete.\n" : "Export complete.\n");
+        else if (export_)
+            print((external ? "Exported external at revision " : "Exported revision ") + revision + ".\n");
+        else if (n.revision() == LuSVNInvalidRevision)
             print(checkout_ ? (external ? "External checkout complete.\n" : "Checkout complete.\n")
                             : (external ? "External update complete.\n" : "Update complete.\n"));
         else if (checkout_)

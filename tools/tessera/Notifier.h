@@ -34,6 +34,9 @@ public:
     /// A check-out: its completion reads "Checked out revision N." and it
     /// prints no "Updating" line.
     void markCheckout() { checkout_ = true; }
+    /// An export: its completion reads "Exported revision N." or "Export
+    /// complete.".
+    void markExport() { export_ = true; }
 
     /// The changelists that notifications of changelist changes name: the
     /// one items are put on, and the ones they were on before (by absolute
@@ -67,6 +70,7 @@ private:
     std::string prefix_;
     std::FILE* stream_;
     bool checkout_ = false;
+    bool export_ = false;
     bool receivedSomeChange_ = false;
     bool sentFirstDelta_ = false;
     int inExternal_ = 0;
