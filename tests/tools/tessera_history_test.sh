@@ -150,7 +150,8 @@ printf 'zero\none\nTWO\nthree\nfour\n' > trunk/a
 printf 'one\ntwo \nthree\nbranch\n' > branch/a
 svn commit -q -m "Spaces" branch/a
 printf 'line\r\nlast without break' > trunk/moved/f
-for options in "" -v --xml "--xml --incremental" "-x -w" "-x --ignore-eol-style" "-r 2:BASE" "-r BASE"; do
+for options in "" -v --xml "--xml --incremental" "-x -w" "-x --ignore-eol-style" "-r 2:BASE" "-r BASE" "-r 6" \
+  "-r 3:HEAD" "-r {2000-01-01}:PREV"; do
   # shellcheck disable=SC2086 # one word list
   same blame $options trunk/a trunk/b branch/a "trunk/gr\303\274n.txt" trunk/moved/f
 done
@@ -161,6 +162,10 @@ for options in "" -v "-x -b"; do
   tessera_only=--local same blame $options trunk/a branch/a trunk/moved/f
 done
 same blame
+same blame -v "$repository/trunk/a"
+same blame --xml "$repository/trunk/b@6" "$repository/branch/a@7"
+same blame -r 2:4 "$repository/trunk/moved/f"
+same blame "$repository/trunk/a@2" trunk/a@3
 same blame --xml -v trunk/a
 same blame --incremental trunk/a
 same blame -x --nonsense trunk/a
