@@ -7,6 +7,14 @@
 //                                        space; 2 ignores all white space
 //   ignoreEOLStyle              flag     false   all line ends compare equal
 //   recursive                   flag     true
+//   noticeAncestry              flag     true    an item replaced by an
+//                                        unrelated one is a deletion and
+//                                        an addition (svn diff
+//                                        --notice-ancestry); without it the
+//                                        two are compared as one item
+//   diffDeleted                 flag     true    the text of deleted files
+//                                        is shown; without it only their
+//                                        "Index: PATH (deleted)" header
 //
 // The description is the generic one: "<LuSVNDiffOptions: 0x...>".
 #pragma once
@@ -28,9 +36,19 @@ public:
 
     bool ignoreEOLStyle() const { return ignoreEOLStyle_; }
     bool recursive() const { return recursive_; }
+    /// Whether the diff between two locations tells an item apart from an
+    /// unrelated one that replaced it (Subversion's ignore_ancestry, negated).
+    bool noticeAncestry() const { return noticeAncestry_; }
     /// Each keeps only the lowest bit of its argument.
     void setIgnoreEOLStyle(int ignoreEOLStyle) { ignoreEOLStyle_ = ignoreEOLStyle & 1; }
     void setRecursive(int recursive) { recursive_ = recursive & 1; }
+    /// Sets noticeAncestry.
+    void setNoticeAncestry(bool noticeAncestry) { noticeAncestry_ = noticeAncestry; }
+    /// Whether the diff between two locations shows the text of deleted
+    /// files (Subversion's no_diff_deleted, negated).
+    bool diffDeleted() const { return diffDeleted_; }
+    /// Sets diffDeleted.
+    void setDiffDeleted(bool diffDeleted) { diffDeleted_ = diffDeleted; }
 
     /// Subversion's file-diff options (svn_diff_file_options_create, through
     /// the backend on top of the calling thread's stack) in the pool, with
@@ -46,4 +64,6 @@ private:
     std::int32_t whitespaceCompareBehavior_ = 0;
     unsigned ignoreEOLStyle_ : 1 = 0;
     unsigned recursive_ : 1 = 1;
+    bool noticeAncestry_ = true;
+    bool diffDeleted_ = true;
 };

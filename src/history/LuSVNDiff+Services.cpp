@@ -260,13 +260,15 @@ void writeLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Rev
     if (context->bundleVersion() >= LuSVNVersion(1, 5, 0, "")) {
         error = LuSVNEntry<50>()(diffOptions, path1, &revision1, path2, &revision2,
                                  relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
-                                 options.recursive() ? svn_depth_infinity : svn_depth_files, false, false, false,
-                                 LuSVNLocaleCharset, output.file, errors, nullptr, context->ctx(), pool);
+                                 options.recursive() ? svn_depth_infinity : svn_depth_files, !options.noticeAncestry(),
+                                 !options.diffDeleted(), false, LuSVNLocaleCharset, output.file, errors, nullptr,
+                                 context->ctx(), pool);
     } else {
         if (relativeToPath)
             throw LuSVNException("relativeToPath requires 1.5 or greater");
-        error = LuSVNEntry<49>()(diffOptions, path1, &revision1, path2, &revision2, options.recursive(), false, false,
-                                 false, LuSVNLocaleCharset, output.file, errors, context->ctx(), pool);
+        error = LuSVNEntry<49>()(diffOptions, path1, &revision1, path2, &revision2, options.recursive(),
+                                 !options.noticeAncestry(), !options.diffDeleted(), false, LuSVNLocaleCharset,
+                                 output.file, errors, context->ctx(), pool);
     }
     context->throwIfError(error);
 }

@@ -18,6 +18,31 @@ void commit(const std::string& author, const std::string& message, const std::st
 
 }  // namespace
 
+const std::vector<EditCase>& editCases()
+{
+    static const std::vector<EditCase> cases = {
+        {"unchanged", {}},
+        {"insert at start", {{0, 0, 2}}},
+        {"insert in the middle", {{6, 0, 1}}},
+        {"insert at end", {{13, 0, 3}}},
+        {"delete at start", {{0, 2, 0}}},
+        {"delete in the middle", {{5, 3, 0}}},
+        {"delete at end", {{11, 2, 0}}},
+        {"change at start", {{0, 1, 1}}},
+        {"change in the middle", {{2, 1, 2}}},
+        {"change at end", {{12, 1, 2}}},
+        {"everywhere", {{0, 1, 2}, {2, 1, 1}, {7, 0, 1}, {9, 1, 0}, {12, 1, 1}}},
+        {"everything", {{0, 13, 2}}},
+        {"emptied", {{0, 13, 0}}},
+    };
+    return cases;
+}
+
+std::shared_ptr<const LuSVNLocalPath> localPath(const std::string& path)
+{
+    return LuSVNLocalPath::pathWithString(path);
+}
+
 std::vector<std::string> numberedLines(int count)
 {
     std::vector<std::string> lines;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <tessera/LuSVNContext.h>
+#include <tessera/LuSVNLocalPath.h>
 
 #include <memory>
 #include <string>
@@ -48,6 +49,16 @@ struct Edit {
     std::size_t at, removed, inserted;
 };
 
+/// A named list of edits.
+struct EditCase {
+    const char* name;
+    std::vector<Edit> edits;
+};
+
+/// Edits of a 13-line text at its start, middle and end: insertions,
+/// deletions, changes, all of them at once, all lines replaced, emptied.
+const std::vector<EditCase>& editCases();
+
 /// A text after edits, and for each of its lines the original line it came
 /// from, or -1 for a new one.
 struct EditedText {
@@ -59,6 +70,9 @@ struct EditedText {
 /// The edits (ascending, not overlapping) applied to the lines; new lines
 /// read "local N", unlike any original line.
 EditedText applyEdits(const std::vector<std::string>& original, const std::vector<Edit>& edits);
+
+/// The local path of the text.
+std::shared_ptr<const LuSVNLocalPath> localPath(const std::string& path);
 
 /// The lines "line 1" to "line <count>".
 std::vector<std::string> numberedLines(int count);

@@ -15,6 +15,7 @@
 namespace {
 
 using tessera_history_test::HistoryRepository;
+using tessera_history_test::localPath;
 
 // Who a line is attributed to.
 struct Attribution {
@@ -139,8 +140,7 @@ TEST(LuSVNBlameTest, LocalEditsLayOverTheCommittedLines)
     tessera_test::TemporaryDirectory directory;
     const std::string wc = directory / "wc", file = wc + "/moved.txt";
     tessera_test::checkout(repository.url() + "/trunk", wc);
-    const auto local = [](const std::string& path) { return LuSVNLocalPath::pathWithString(path); };
-    const auto committed = LuSVNBlame::blameForPath(local(file), LuSVNRevision::BASE(), LuSVNDiffOptions(),
+    const auto committed = LuSVNBlame::blameForPath(localPath(file), LuSVNRevision::BASE(), LuSVNDiffOptions(),
                                                     repository.context());
     const auto committedLines = perLine(*committed);
     std::vector<std::string> original;
@@ -150,25 +150,7 @@ TEST(LuSVNBlameTest, LocalEditsLayOverTheCommittedLines)
     ASSERT_EQ(committedLines.size(), original.size());
     tessera_test::writeFile(directory / "pristine.txt", tessera_history_test::joinLines(original));
 
-    const struct {
-        const char* name;
-        std::vector<tessera_history_test::Edit> edits;
-    } cases[] = {
-        {"unchanged", {}},
-        {"insert at start", {{0, 0, 2}}},
-        {"insert in the middle", {{6, 0, 1}}},
-        {"insert at end", {{13, 0, 3}}},
-        {"delete at start", {{0, 2, 0}}},
-        {"delete in the middle", {{5, 3, 0}}},
-        {"delete at end", {{11, 2, 0}}},
-        {"change at start", {{0, 1, 1}}},
-        {"change in the middle", {{2, 1, 2}}},
-        {"change at end", {{12, 1, 2}}},
-        {"everywhere", {{0, 1, 2}, {2, 1, 1}, {7, 0, 1}, {9, 1, 0}, {12, 1, 1}}},
-        {"everything", {{0, 13, 2}}},
-        {"emptied", {{0, 13, 0}}},
-    };
-    for (const auto& c : cases) {
+    for (const auto& c : tessera_history_test::editCases()) {
         SCOPED_TRACE(c.name);
         const auto edited = tessera_history_test::applyEdits(original, c.edits);
         tessera_test::writeFile(file, edited.text());
@@ -180,7 +162,7 @@ TEST(LuSVNBlameTest, LocalEditsLayOverTheCommittedLines)
 
         auto blame = std::make_shared<LuSVNBlame>();
         blame->setBlameSections(committed->blameSections());
-        const auto diff = LuSVNDiff::compareOriginalFileAtPath(local(directory / "pristine.txt"), local(file),
+        const auto diff = LuSVNDiff::compareOriginalFileAtPath(localPath(directory / "pristine.txt"), localPath(file),
                                                                repository.context());
         blame->mergeDiff(*diff, "me", -1, std::nullopt);
         EXPECT_EQ(perLine(*blame), expected);

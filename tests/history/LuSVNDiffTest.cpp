@@ -16,15 +16,10 @@
 
 namespace {
 
-using tessera_history_test::Edit;
 using tessera_history_test::EditedText;
 using tessera_history_test::HistoryRepository;
+using tessera_history_test::localPath;
 using tessera_test::writeFile;
-
-std::shared_ptr<const LuSVNLocalPath> local(const std::string& path)
-{
-    return LuSVNLocalPath::pathWithString(path);
-}
 
 std::string readFile(const std::string& path)
 {
@@ -74,41 +69,18 @@ std::string sectionsText(const LuSVNDiff& diff)
     return text;
 }
 
-struct EditCase {
-    const char* name;
-    std::vector<Edit> edits;
-};
-
-const std::vector<EditCase>& editCases()
-{
-    static const std::vector<EditCase> cases = {
-        {"unchanged", {}},
-        {"insert at start", {{0, 0, 2}}},
-        {"insert in the middle", {{6, 0, 1}}},
-        {"insert at end", {{13, 0, 3}}},
-        {"delete at start", {{0, 2, 0}}},
-        {"delete in the middle", {{5, 3, 0}}},
-        {"delete at end", {{11, 2, 0}}},
-        {"change at start", {{0, 1, 1}}},
-        {"change in the middle", {{4, 2, 3}}},
-        {"change at end", {{12, 1, 2}}},
-        {"everywhere", {{0, 1, 2}, {5, 1, 0}, {7, 0, 1}, {12, 1, 1}}},
-        {"everything", {{0, 13, 2}}},
-    };
-    return cases;
-}
-
 TEST(LuSVNDiffTest, SectionsMapEveryLineOfTwoFiles)
 {
     const auto& repository = HistoryRepository::shared();
     const auto original = tessera_history_test::numberedLines(13);
     writeFile(repository.scratch("original.txt"), tessera_history_test::joinLines(original));
-    for (const auto& c : editCases()) {
+    for (const auto& c : tessera_history_test::editCases()) {
         SCOPED_TRACE(c.name);
         const auto edited = tessera_history_test::applyEdits(original, c.edits);
         writeFile(repository.scratch("modified.txt"), edited.text());
         const auto diff = LuSVNDiff::compareOriginalFileAtPath(
-            local(repository.scratch("original.txt")), local(repository.scratch("modified.txt")), repository.context());
+            localPath(repository.scratch("original.txt")), localPath(repository.scratch("modified.txt")),
+            repository.context());
         expectSectionsMapLines(*diff, original.size(), edited);
     }
 }
@@ -138,8 +110,8 @@ TEST(LuSVNDiffTest, OptionsDecideWhatDiffers)
         LuSVNDiffOptions options;
         options.setWhitespaceCompareBehavior(c.whitespace);
         options.setIgnoreEOLStyle(c.ignoreEOLStyle);
-        const auto diff = LuSVNDiff::compareOriginalFileAtPath(local(repository.scratch("o.txt")),
-                                                               local(repository.scratch("m.txt")), options,
+        const auto diff = LuSVNDiff::compareOriginalFileAtPath(localPath(repository.scratch("o.txt")),
+                                                               localPath(repository.scratch("m.txt")), options,
                                                                repository.context());
         EXPECT_EQ(sectionsText(*diff), c.sections);
     }
@@ -154,25 +126,27 @@ TEST(LuSVNDiffTest, UTF16FilesCompareAsTheirText)
     writeFile(repository.scratch("u8-o.txt"), original);
     writeFile(repository.scratch("u8-m.txt"), modified);
     const auto expected = LuSVNDiff::compareOriginalFileAtPath(
-        local(repository.scratch("u8-o.txt")), local(repository.scratch("u8-m.txt")), repository.context());
+        localPath(repository.scratch("u8-o.txt")), localPath(repository.scratch("u8-m.txt")), repository.context());
     for (const bool bigEndian : {false, true}) {
         SCOPED_TRACE(bigEndian ? "big-endian" : "little-endian");
         writeFile(repository.scratch("u16-o.txt"), tessera_history_test::utf16(original, bigEndian));
         writeFile(repository.scratch("u16-m.txt"), tessera_history_test::utf16(modified, !bigEndian));
-        EXPECT_EQ(LuSVNDiff::encodingOfFile(local(repository.scratch("u16-o.txt"))), LuSVNTextEncoding::UTF16);
+        EXPECT_EQ(LuSVNDiff::encodingOfFile(localPath(repository.scratch("u16-o.txt"))), LuSVNTextEncoding::UTF16);
         const auto diff = LuSVNDiff::compareOriginalFileAtPath(
-            local(repository.scratch("u16-o.txt")), local(repository.scratch("u16-m.txt")), repository.context());
+            localPath(repository.scratch("u16-o.txt")), localPath(repository.scratch("u16-m.txt")),
+            repository.context());
         EXPECT_EQ(sectionsText(*diff), sectionsText(*expected));
         EXPECT_TRUE(std::filesystem::is_empty(temporary.path())) << "temporary copies left behind";
     }
     // The first file's copy goes when the second cannot be read.
-    EXPECT_THROW(LuSVNDiff::compareOriginalFileAtPath(local(repository.scratch("u16-o.txt")),
-                                                      local(repository.scratch("absent.txt")), repository.context()),
+    EXPECT_THROW(LuSVNDiff::compareOriginalFileAtPath(localPath(repository.scratch("u16-o.txt")),
+                                                      localPath(repository.scratch("absent.txt")),
+                                                      repository.context()),
                  LuSVNNoSuchEntryException);
     EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
     // A file shorter than 4 bytes is UTF-8 whatever it begins with.
     writeFile(repository.scratch("short.txt"), "\xFF\xFE" "a");
-    EXPECT_EQ(LuSVNDiff::encodingOfFile(local(repository.scratch("short.txt"))), LuSVNTextEncoding::UTF8);
+    EXPECT_EQ(LuSVNDiff::encodingOfFile(localPath(repository.scratch("short.txt"))), LuSVNTextEncoding::UTF8);
 }
 
 TEST(LuSVNDiffTest, UTF16FileWithoutRoomForItsCopyIsRefused)
@@ -182,7 +156,8 @@ TEST(LuSVNDiffTest, UTF16FileWithoutRoomForItsCopyIsRefused)
     writeFile(repository.scratch("u8.txt"), "a\n");
     tessera_test::ScopedEnvironment environment({{"TMPDIR", repository.scratch("no-such-directory").c_str()}});
     try {
-        LuSVNDiff::compareOriginalFileAtPath(local(repository.scratch("u8.txt")), local(repository.scratch("u16.txt")),
+        LuSVNDiff::compareOriginalFileAtPath(localPath(repository.scratch("u8.txt")),
+                                             localPath(repository.scratch("u16.txt")),
                                              repository.context());
         FAIL() << "no exception";
     } catch (const LuSVNNoSuchEntryException& exception) {
@@ -208,22 +183,22 @@ TEST(LuSVNDiffTest, UnifiedDiffOfTwoFilesHasTheHunksOfSvnDiff)
     writeFile(directory / "original.txt", tessera_history_test::joinLines(original));
     tessera_history_test::svnOrThrow({"add", "-q", wc + "/f.txt"});
     tessera_history_test::svnOrThrow({"commit", "-q", "-m", "original", wc});
-    for (const auto& c : editCases()) {
+    for (const auto& c : tessera_history_test::editCases()) {
         SCOPED_TRACE(c.name);
         const auto edited = tessera_history_test::applyEdits(original, c.edits);
         writeFile(wc + "/f.txt", edited.text());
         const std::string expected = hunks(tessera_history_test::svnOrThrow({"diff", wc + "/f.txt"}));
 
         std::ostringstream stream;
-        LuSVNDiff::compareOriginalFileAtPath(local(directory / "original.txt"), "a", local(wc + "/f.txt"), "b",
+        LuSVNDiff::compareOriginalFileAtPath(localPath(directory / "original.txt"), "a", localPath(wc + "/f.txt"), "b",
                                              LuSVNStdOutputStream::streamWithStream(stream),
                                              LuSVNDiffOptions::defaults(), repository.context());
         EXPECT_EQ(hunks(stream.str()), expected);
         if (!expected.empty()) {
             EXPECT_EQ(stream.str().substr(0, 12), "--- a\n+++ b\n");
         }
-        LuSVNDiff::compareOriginalFileAtPath(local(directory / "original.txt"), "a", local(wc + "/f.txt"), "b",
-                                             local(directory / "out.diff"), LuSVNDiffOptions::defaults(),
+        LuSVNDiff::compareOriginalFileAtPath(localPath(directory / "original.txt"), "a", localPath(wc + "/f.txt"), "b",
+                                             localPath(directory / "out.diff"), LuSVNDiffOptions::defaults(),
                                              repository.context());
         EXPECT_EQ(readFile(directory / "out.diff"), stream.str());
     }
@@ -247,15 +222,26 @@ TEST(LuSVNDiffTest, LocationsDiffAsSvnDiffPrintsThem)
         std::shared_ptr<const LuSVNRevision> modifiedRevision;
         std::vector<std::string> svnArguments;
         std::int32_t whitespace;
+        bool noticeAncestry = true;
+        bool diffDeleted = true;
     } cases[] = {
         {"repository revisions", LuSVNURL::URLWithString(url), revision(1), LuSVNURL::URLWithString(url), revision(6),
          {"-r", "1:6", url}, 0},
         {"one file across revisions", LuSVNURL::URLWithString(url + "/trunk/moved.txt"), revision(4),
          LuSVNURL::URLWithString(url + "/trunk/moved.txt"), revision(6), {"-r", "4:6", url + "/trunk/moved.txt"}, 0},
-        {"working copy against its base", local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(),
+        {"working copy against its base", localPath(wc), LuSVNRevision::BASE(), localPath(wc), LuSVNRevision::WORKING(),
          {wc}, 0},
-        {"ignoring space changes", local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(),
+        {"ignoring space changes", localPath(wc), LuSVNRevision::BASE(), localPath(wc), LuSVNRevision::WORKING(),
          {"-x", "-b", wc}, 1},
+        // r5 replaced trunk/bin.dat by a copy of the same bytes from the branch.
+        {"a replacement as deletion and addition", LuSVNURL::URLWithString(url + "/trunk"), revision(4),
+         LuSVNURL::URLWithString(url + "/trunk"), revision(5), {"--notice-ancestry", "-r", "4:5", url + "/trunk"}, 0},
+        {"a replacement compared with what it replaced", LuSVNURL::URLWithString(url + "/trunk"), revision(4),
+         LuSVNURL::URLWithString(url + "/trunk"), revision(5), {"-r", "4:5", url + "/trunk"}, 0, false},
+        // r4 moved trunk/a.txt away.
+        {"deleted files by their header alone", LuSVNURL::URLWithString(url + "/trunk"), revision(3),
+         LuSVNURL::URLWithString(url + "/trunk"), revision(4), {"--no-diff-deleted", "-r", "3:4", url + "/trunk"}, 0,
+         false, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -263,8 +249,10 @@ TEST(LuSVNDiffTest, LocationsDiffAsSvnDiffPrintsThem)
         arguments.insert(arguments.end(), c.svnArguments.begin(), c.svnArguments.end());
         LuSVNDiffOptions options;
         options.setWhitespaceCompareBehavior(c.whitespace);
+        options.setNoticeAncestry(c.noticeAncestry);
+        options.setDiffDeleted(c.diffDeleted);
         LuSVNDiff::compareOriginalAtPath(c.original, c.originalRevision, c.modified, c.modifiedRevision,
-                                         local(directory / "out.diff"), options, repository.context());
+                                         localPath(directory / "out.diff"), options, repository.context());
         const std::string expected = tessera_history_test::svnOrThrow(arguments);
         EXPECT_EQ(readFile(directory / "out.diff"), expected);
         EXPECT_NE(fcntl(STDERR_FILENO, F_GETFD), -1) << "the diff closed the process's standard error";
@@ -276,7 +264,8 @@ TEST(LuSVNDiffTest, LocationsDiffAsSvnDiffPrintsThem)
     }
     // Headers relative to a directory: svn's absolute ones without it.
     std::ostringstream relative;
-    LuSVNDiff::compareOriginalAtPath(local(wc), LuSVNRevision::BASE(), local(wc), LuSVNRevision::WORKING(), local(wc),
+    LuSVNDiff::compareOriginalAtPath(localPath(wc), LuSVNRevision::BASE(), localPath(wc), LuSVNRevision::WORKING(),
+                                     localPath(wc),
                                      LuSVNStdOutputStream::streamWithStream(relative), LuSVNDiffOptions(),
                                      repository.context());
     std::string expected = tessera_history_test::svnOrThrow({"diff", wc});
@@ -311,7 +300,7 @@ TEST(LuSVNDiffTest, RelativePathsNeedTheNewerInterface)
     tessera_test::TemporaryDirectory directory;
     const auto url = LuSVNURL::URLWithString(repository.url());
     const auto r1 = LuSVNRevision::revisionWithNumber(1), r2 = LuSVNRevision::revisionWithNumber(2);
-    const auto output = local(directory / "out.diff");
+    const auto output = localPath(directory / "out.diff");
     try {
         LuSVNDiff::compareOriginalAtPath(url, r1, url, r2, url, output, LuSVNDiffOptions::defaults(),
                                          repository.context(TESSERA_TEST_BUNDLE_1_4_6));

@@ -47,13 +47,12 @@ svn commit -q -m "On the branch"
 "$svnadmin" delrevprop "$work/repository" -r 5 svn:author
 svn update -q
 
-# Runs svn and tessera (with $svn_only and $tessera_only after them) with the same arguments in the working copy and
+# Runs svn and tessera (with $tessera_only after it) with the same arguments in the working copy and
 # compares standard output, standard error (program names aside) and exit
 # status; `normalise` filters both outputs first.
-normalise=cat tessera_only="" svn_only=""
+normalise=cat tessera_only=""
 same() {
-  # shellcheck disable=SC2086
-  expected_status=0; svn "$@" $svn_only >"$work/svn.out" 2>"$work/svn.err" || expected_status=$?
+  expected_status=0; svn "$@" >"$work/svn.out" 2>"$work/svn.err" || expected_status=$?
   actual_status=0
   # shellcheck disable=SC2086 # options of tessera's own, one word each
   "$tessera" --config-dir "$work/config" "$@" $tessera_only >"$work/tessera.out" 2>"$work/tessera.err" ||
@@ -124,6 +123,12 @@ same log --incremental -r 2:3
 same log --xml
 same log --xml -q
 same log --xml -r 3 --incremental
+# Each revision's changes after its message.
+same log --diff
+same log --diff -r 2:4 trunk
+same log --diff -l 3 "$repository/trunk"
+same log --diff -x -w -c 3
+same log --diff trunk/a
 normalise=xml_paths
 same log --xml -v
 same log --xml -v -q "$repository/branch"
@@ -145,7 +150,8 @@ printf 'zero\none\nTWO\nthree\nfour\n' > trunk/a
 printf 'one\ntwo \nthree\nbranch\n' > branch/a
 svn commit -q -m "Spaces" branch/a
 printf 'line\r\nlast without break' > trunk/moved/f
-for options in "" -v --xml "--xml --incremental" "-x -w" "-x --ignore-eol-style" "-r 2:BASE" "-r BASE"; do
+for options in "" -v --xml "--xml --incremental" "-x -w" "-x --ignore-eol-style" "-r 2:BASE" "-r BASE" "-r 6" \
+  "-r 3:HEAD" "-r {2000-01-01}:PREV"; do
   # shellcheck disable=SC2086 # one word list
   same blame $options trunk/a trunk/b branch/a "trunk/gr\303\274n.txt" trunk/moved/f
 done
@@ -156,6 +162,10 @@ for options in "" -v "-x -b"; do
   tessera_only=--local same blame $options trunk/a branch/a trunk/moved/f
 done
 same blame
+same blame -v "$repository/trunk/a"
+same blame --xml "$repository/trunk/b@6" "$repository/branch/a@7"
+same blame -r 2:4 "$repository/trunk/moved/f"
+same blame "$repository/trunk/a@2" trunk/a@3
 same blame --xml -v trunk/a
 same blame --incremental trunk/a
 same blame -x --nonsense trunk/a
@@ -163,21 +173,31 @@ same blame no-such-file
 same praise trunk/b
 same annotate -v branch/a
 
-# Diff of the working copy's edits and between revisions, of paths and URLs.
-# The library's diff notices ancestry: a replaced file is a deletion and an
-# addition, as svn shows it with --notice-ancestry.
-svn_only=--notice-ancestry
-for options in "" "-x -w" "-x -b" "-x --ignore-eol-style" "-r 2" "-r 1:4" "-c 3" "-c -3" "-r 2:HEAD" -N; do
-  # shellcheck disable=SC2086
-  same diff $options
-  # shellcheck disable=SC2086
-  same diff $options trunk/a
+# Diff of the working copy's edits and between revisions, of paths and URLs,
+# with a replaced file compared with what it replaced or (--notice-ancestry)
+# as a deletion and an addition.
+for ancestry in "" --notice-ancestry; do
+  for options in "" "-x -w" "-x -b" "-x --ignore-eol-style" "-r 2" "-r 1:4" "-c 3" "-c -3" "-r 2:HEAD" -N; do
+    # shellcheck disable=SC2086
+    same diff $ancestry $options
+    # shellcheck disable=SC2086
+    same diff $ancestry $options trunk/a
+  done
+  for options in "-r 1:4" "-c 3" "-c 6" "-r 6:5"; do
+    # shellcheck disable=SC2086
+    same diff $ancestry $options "$repository/trunk"
+  done
 done
-for options in "-r 1:4" "-c 3" "-c 6" "-r 6:5"; do
-  # shellcheck disable=SC2086
-  same diff $options "$repository/trunk"
-done
-svn_only=""
+same diff --no-diff-deleted -r 1:4
+same diff --no-diff-deleted -c 4 "$repository/trunk"
+# One target against another.
+same diff --old=trunk/a --new=branch/a
+same diff --old=trunk/a
+same diff --old=trunk --new=branch
+same diff -r 2:HEAD --old=trunk --new=branch
+same diff --old="$repository/trunk@2" --new="$repository/branch"
+same diff "$repository/trunk/a@2" "$repository/branch/a"
+same diff "$repository/trunk@1" "$repository/trunk@HEAD"
 same diff -r 1:x
 same diff -r 1 -c 2
 same log -c 2 -r 1

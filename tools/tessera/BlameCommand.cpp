@@ -8,6 +8,8 @@
 #include <tessera/LuSVNBlame.h>
 #include <tessera/LuSVNDiff.h>
 #include <tessera/LuSVNDiffOptions.h>
+#include <tessera/LuSVNFile.h>
+#include <tessera/LuSVNStreams.h>
 #include <tessera/Tessera.h>
 
 #include <CLI/CLI.hpp>
@@ -16,6 +18,7 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -39,17 +42,22 @@ struct Settings {
     bool local = false;
 };
 
-// The file's lines without their line endings, as blame shows them.
-std::vector<std::string> fileLines(const std::string& path)
+// The lines of a text without their line endings, as blame shows them.
+std::vector<std::string> textLines(std::istream& text)
 {
-    std::ifstream file(path, std::ios::binary);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(text, line);) {
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
         lines.push_back(std::move(line));
     }
     return lines;
+}
+
+std::vector<std::string> fileLines(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return textLines(file);
 }
 
 // svn's columns: the revision in six, the author in ten, "-" for a line
@@ -90,44 +98,49 @@ void blameTarget(const Settings& settings, const std::string& target, const LuSV
 {
     using Revision = LuSVNBlame::Revision;
     const auto [pathText, peg] = splitPegRevision(target);
-    if (isURL(pathText))
-        LuSVNException::exceptionWithReason("'" + pathText + "' is not a local path", TesseraArgumentParsingError)
-            ->raise();
-    // -r X is 1:X; without -r the working file.
+    const bool url = isURL(pathText);
+    // -r X is 1:X; without -r the working file (HEAD for a URL), or the peg.
     Revision start = LuSVNRevision::revisionWithNumber(1);
-    Revision end = peg ? peg->keyRevision() : LuSVNRevision::WORKING();
+    auto endSpec = peg ? peg : url ? LuSVNRevisionSpec::HEAD() : LuSVNRevisionSpec::WORKING();
     if (settings.revision) {
         const auto [first, second] = parseRevisionRange(*settings.revision);
         start = second ? first->keyRevision() : start;
-        end = (second ? second : first)->keyRevision();
+        endSpec = second ? second : first;
     }
+    const Revision end = endSpec->keyRevision();
+    const bool working = end->isEqual(LuSVNRevision::WORKING());
     const bool base = end->isEqual(LuSVNRevision::BASE());
-    if (!base && !end->isEqual(LuSVNRevision::WORKING()))
-        LuSVNException::exceptionWithReason("Blame of a revision other than BASE or the working file is not "
-                                            "supported",
-                                            200007)
-            ->raise();
-    if (settings.local && base)
+    if (settings.local && !working)
         raiseArgumentError("--local shows the working file; it takes no end revision");
 
-    const auto path = targetPath(pathText);
-    TesseraOperation operation(absoluteTargetPath(pathText), {true, false});
+    const LuSVNNode::Path path = url ? LuSVNNode::Path(LuSVNURL::URLWithString(pathText))
+                                     : LuSVNNode::Path(targetPath(pathText));
+    TesseraOperation operation(url ? pathText : absoluteTargetPath(pathText), {true, false});
     const auto& context = operation.context();
     const auto unspecified = peg ? peg->keyRevision() : LuSVNRevision::UNSPECIFIED();
     std::shared_ptr<LuSVNBlame> blame;
-    std::string textPath = path->string();
+    std::vector<std::string> lines;
     if (settings.local) {
+        const auto local = targetPath(pathText);
         blame = LuSVNBlame::blameForPath(path, unspecified, start, LuSVNRevision::BASE(), options, context);
-        const auto pristine = LuSVNNode::BASEPathForNodeAtPath(path, context);
-        blame->mergeDiff(*LuSVNDiff::compareOriginalFileAtPath(pristine, path, options, context), std::nullopt, -1,
+        const auto pristine = LuSVNNode::BASEPathForNodeAtPath(local, context);
+        blame->mergeDiff(*LuSVNDiff::compareOriginalFileAtPath(pristine, local, options, context), std::nullopt, -1,
                          std::nullopt);
+        lines = fileLines(pathText);
     } else {
         blame = LuSVNBlame::blameForPath(path, unspecified, start, end, options, context);
-        if (base)
-            textPath = LuSVNNode::BASEPathForNodeAtPath(path, context)->string();
+        if (working) {
+            lines = fileLines(pathText);
+        } else if (base) {
+            lines = fileLines(LuSVNNode::BASEPathForNodeAtPath(targetPath(pathText), context)->string());
+        } else {
+            // The text as Subversion blamed it: the target at the end revision.
+            std::stringstream text;
+            LuSVNFile::catRevision(endSpec, path, LuSVNStdOutputStream::streamWithStream(text), context);
+            lines = textLines(text);
+        }
     }
 
-    const auto lines = fileLines(textPath);
     std::string out;
     if (settings.xml)
         appendXMLOpenTag(out, "target", {{"path", pathText}});
@@ -184,11 +197,11 @@ const TesseraCommand blameCommand(
     {"blame",
      {"praise", "annotate", "ann"},
      "Show when each line of a file was last changed, and by whom.",
-     "blame FILE[@REV]...",
-     "Each line of the working file is shown with the revision and author\n"
-     "that last changed it; lines changed in the working file show \"-\".\n"
-     "With -r, the lines of the base text over the revisions given (the end\n"
-     "being BASE).\n"
+     "blame TARGET[@REV]...",
+     "Each line of the working file (of a URL at HEAD, or at the peg) is\n"
+     "shown with the revision and author that last changed it; lines changed\n"
+     "in the working file show \"-\". With -r N:M the lines of the file at M\n"
+     "as they came to be from N on; -r M is -r 1:M.\n"
      "\n"
      "With --local, the blame of the base text is laid over the working\n"
      "file by comparing the two, instead of by Subversion's walk."},
@@ -198,10 +211,7 @@ const TesseraCommand blameCommand(
         addFlag(command, "-v,--verbose", settings->verbose, "print the date of each line's revision too");
         addFlag(command, "--xml", settings->xml, "output in XML");
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
-        addOption(
-            command, "-x,--extensions", [settings](const std::string& text) { settings->extensions = text; },
-            "how lines are compared: -b (--ignore-space-change),\n"
-            "-w (--ignore-all-space), --ignore-eol-style");
+        addExtensionsOption(command, settings->extensions);
         addFlag(command, "--local", settings->local, "lay the committed blame over the working file's edits");
         addArguments(command, settings->arguments);
         return [settings, &command] { return blame(command, *settings); };

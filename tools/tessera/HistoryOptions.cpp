@@ -15,14 +15,7 @@ CLI::Option* addRevisionRangeOption(CLI::App& command, std::optional<std::string
 {
     return addOption(
         command, "-r,--revision", [&text](const std::string& value) { text = value; },
-        "ARG (some commands also take ARG1:ARG2 range)\n"
-        "A revision argument can be one of:\n"
-        "   NUMBER       revision number\n"
-        "   '{' DATE '}' revision at start of the date\n"
-        "   'HEAD'       latest in repository\n"
-        "   'BASE'       base rev of item's working copy\n"
-        "   'COMMITTED'  last commit at or before BASE\n"
-        "   'PREV'       revision just before COMMITTED");
+        revisionOptionHelp);
 }
 
 CLI::Option* addChangeOption(CLI::App& command, std::optional<std::string>& text)
@@ -31,6 +24,14 @@ CLI::Option* addChangeOption(CLI::App& command, std::optional<std::string>& text
         command, "-c,--change", [&text](const std::string& value) { text = value; },
         "the change made by revision ARG (like -r ARG-1:ARG)\n"
         "If ARG is negative this is like -r ARG:ARG-1");
+}
+
+CLI::Option* addExtensionsOption(CLI::App& command, std::optional<std::string>& text)
+{
+    return addOption(
+        command, "-x,--extensions", [&text](const std::string& value) { text = value; },
+        "how lines are compared: -b (--ignore-space-change),\n"
+        "-w (--ignore-all-space), --ignore-eol-style");
 }
 
 std::int32_t changeNumber(const std::string& text)

@@ -17,6 +17,9 @@ class Option;
 /// command knows its target.
 CLI::Option* addRevisionRangeOption(CLI::App& command, std::optional<std::string>& text);
 
+/// -x ARG, kept as text for diffOptionsForExtensions.
+CLI::Option* addExtensionsOption(CLI::App& command, std::optional<std::string>& text);
+
 /// -c ARG, kept as text for changeNumber.
 CLI::Option* addChangeOption(CLI::App& command, std::optional<std::string>& text);
 

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "DiffOutput.h"
 #include "HistoryOptions.h"
 #include "Messages.h"
 #include "Operation.h"
@@ -45,6 +46,8 @@ struct Settings {
     bool stopOnCopy = false;
     bool xml = false;
     bool incremental = false;
+    bool diff = false;
+    std::optional<std::string> extensions;
 };
 
 // Line breaks as svn counts them: "\r\n", "\r" and "\n" one each.
@@ -157,10 +160,30 @@ void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<s
     out += "</logentry>\n";
 }
 
+// With --diff, what each revision changed below the target, between
+// blank lines.
+struct RevisionDiffs {
+    LuSVNNode::Path target;
+    bool workingCopy;
+    LuSVNDiffOptions options;
+    std::shared_ptr<LuSVNContext> context;
+
+    void write(std::int32_t revision) const
+    {
+        writeOutput("\n");
+        writeLocationDiff(target, LuSVNRevision::revisionWithNumber(revision - 1), target,
+                          LuSVNRevision::revisionWithNumber(revision), workingCopy, options, context);
+        writeOutput("\n");
+    }
+};
+
 // Prints each item as it arrives and keeps none.
 class Printer : public LuSVNLogMessageReceiverDelegate {
 public:
-    explicit Printer(const Settings& settings) : settings_(settings) {}
+    Printer(const Settings& settings, std::optional<RevisionDiffs> diffs)
+        : settings_(settings), diffs_(std::move(diffs))
+    {
+    }
 
     bool logItemReceived(const std::shared_ptr<LuSVNLogItem>& item) override
     {
@@ -178,12 +201,15 @@ public:
         else
             appendText(out_, *item, message, settings_.verbose);
         writeOutput(out_);
+        if (diffs_ && item->revision() > 0)
+            diffs_->write(item->revision());
         return true;
     }
     bool keepsLogItems() const override { return false; }
 
 private:
     const Settings& settings_;
+    std::optional<RevisionDiffs> diffs_;
     std::string out_;
 };
 
@@ -237,7 +263,17 @@ int log(const Settings& settings)
                                      : LuSVNNode::Path(targetPath(target));
     if (settings.xml && !settings.incremental)
         writeOutput("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<log>\n");
-    LuSVNNode::readLogForNodeAtPath(path, std::make_shared<Printer>(settings), options, operation.context());
+    std::optional<RevisionDiffs> diffs;
+    if (settings.diff) {
+        auto diffOptions = diffOptionsForExtensions(settings.extensions);
+        // As svn log --diff: an item replaced by another is compared with
+        // it, and deleted files show their header alone.
+        diffOptions.setNoticeAncestry(false);
+        diffOptions.setDiffDeleted(false);
+        diffs = RevisionDiffs{path, !url, diffOptions, operation.context()};
+    }
+    LuSVNNode::readLogForNodeAtPath(path, std::make_shared<Printer>(settings, std::move(diffs)), options,
+                                    operation.context());
     if (!settings.incremental)
         writeOutput(settings.xml ? "</log>\n" : separator);
     return 0;
@@ -257,7 +293,10 @@ const TesseraCommand logCommand(
      "With --search, only the log messages whose author, date, message or\n"
      "(with -v) changed paths match the pattern are shown; ? and * are\n"
      "wildcards and case is ignored. Several --search options show the\n"
-     "revisions that match any; --search-and narrows the last one."},
+     "revisions that match any; --search-and narrows the last one.\n"
+     "\n"
+     "With --diff each revision's changes below the target follow its log\n"
+     "message as a unified diff."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
         addRevisionRangeOption(command, settings->revision);
@@ -270,6 +309,8 @@ const TesseraCommand logCommand(
         addFlag(command, "--stop-on-copy", settings->stopOnCopy, "do not cross copies while traversing history");
         addFlag(command, "--xml", settings->xml, "output in XML");
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
+        addFlag(command, "--diff", settings->diff, "produce diff output");
+        addExtensionsOption(command, settings->extensions);
         // Each occurrence counts, in command-line order.
         addOption(
             command, "--search",

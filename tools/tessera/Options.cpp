@@ -391,19 +391,22 @@ std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text)
     return revision;
 }
 
+const char* const revisionOptionHelp =
+    "ARG (some commands also take ARG1:ARG2 range)\n"
+    "A revision argument can be one of:\n"
+    "   NUMBER       revision number\n"
+    "   '{' DATE '}' revision at start of the date\n"
+    "   'HEAD'       latest in repository\n"
+    "   'BASE'       base rev of item's working copy\n"
+    "   'COMMITTED'  last commit at or before BASE\n"
+    "   'PREV'       revision just before COMMITTED";
+
 CLI::Option* addRevisionOption(CLI::App& command, std::function<void(std::shared_ptr<const LuSVNRevisionSpec>)> store)
 {
     return addOption(
         command, "-r,--revision",
         [store = std::move(store)](const std::string& text) { store(parseRevision(text)); },
-        "ARG (some commands also take ARG1:ARG2 range)\n"
-        "A revision argument can be one of:\n"
-        "   NUMBER       revision number\n"
-        "   '{' DATE '}' revision at start of the date\n"
-        "   'HEAD'       latest in repository\n"
-        "   'BASE'       base rev of item's working copy\n"
-        "   'COMMITTED'  last commit at or before BASE\n"
-        "   'PREV'       revision just before COMMITTED");
+        revisionOptionHelp);
 }
 
 std::vector<std::string> readTargetsFile(const std::string& path)

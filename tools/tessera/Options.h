@@ -121,6 +121,9 @@ std::shared_ptr<const LuSVNRevisionSpec> parseRevision(const std::string& text);
 std::pair<std::shared_ptr<const LuSVNRevisionSpec>, std::shared_ptr<const LuSVNRevisionSpec>> parseRevisionRange(
     const std::string& text);
 
+/// The help of -r: the forms a revision argument takes.
+extern const char* const revisionOptionHelp;
+
 /// -r ARG, parsed with parseRevision and handed to store.
 CLI::Option* addRevisionOption(CLI::App& command, std::function<void(std::shared_ptr<const LuSVNRevisionSpec>)> store);
 

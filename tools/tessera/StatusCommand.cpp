@@ -31,6 +31,8 @@
 #include "Command.h"
 #include "Messages.h"
 #include "Options.h"
+#include "RevisionDates.h"
+#include "XMLText.h"
 
 namespace {
 
@@ -106,37 +108,6 @@ void appendPadded(std::string& out, std::string_view text, int width)
         out.append(pad, ' ');
 }
 
-// svn's XML escaping: of text, and (`attribute`) of attribute values, where
-// quotes, line feeds and tabs are escaped too, so that a parser reads them back.
-void appendEscaped(std::string& out, std::string_view text, bool attribute)
-{
-    for (const char c : text) {
-        if (attribute && (c == '\n' || c == '\t')) {
-            out += c == '\n' ? "&#10;" : "&#9;";
-            continue;
-        }
-        switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        case '\r': out += "&#13;"; break;
-        case '"':
-            if (attribute) {
-                out += "&quot;";
-                break;
-            }
-            [[fallthrough]];
-        case '\'':
-            if (attribute && c == '\'') {
-                out += "&apos;";
-                break;
-            }
-            [[fallthrough]];
-        default: out += c;
-        }
-    }
-}
-
 void appendJSONString(std::string& out, std::string_view text)
 {
     out += '"';
@@ -154,25 +125,6 @@ void appendJSONString(std::string& out, std::string_view text)
         }
     }
     out += '"';
-}
-
-// Subversion's XML date: UTC with microseconds.
-std::string xmlDate(const std::chrono::system_clock::time_point& date)
-{
-    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(date.time_since_epoch()).count();
-    long long seconds = micros / 1000000;
-    long long fraction = micros % 1000000;
-    if (fraction < 0) {
-        fraction += 1000000;
-        --seconds;
-    }
-    const std::time_t time = static_cast<std::time_t>(seconds);
-    std::tm utc{};
-    gmtime_r(&time, &utc);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%06lldZ", utc.tm_year + 1900, utc.tm_mon + 1,
-                  utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, fraction);
-    return text;
 }
 
 // --- Status words ---------------------------------------------------------------
@@ -370,29 +322,20 @@ std::string canonicalDisplayPath(const std::string& text)
 void appendXMLLock(std::string& out, const LuSVNLock& lock)
 {
     out += "<lock>\n<token>";
-    appendEscaped(out, lock.token(), false);
+    appendXMLData(out, lock.token());
     out += "</token>\n<owner>";
-    appendEscaped(out, lock.owner(), false);
+    appendXMLData(out, lock.owner());
     out += "</owner>\n";
     if (lock.comment()) {
         out += "<comment>";
-        appendEscaped(out, *lock.comment(), false);
+        appendXMLData(out, *lock.comment());
         out += "</comment>\n";
     }
     if (lock.creationDate())
-        out += "<created>" + xmlDate(*lock.creationDate()) + "</created>\n";
+        out += "<created>" + repositoryDate(*lock.creationDate()) + "</created>\n";
     if (lock.expirationDate())
-        out += "<expires>" + xmlDate(*lock.expirationDate()) + "</expires>\n";
+        out += "<expires>" + repositoryDate(*lock.expirationDate()) + "</expires>\n";
     out += "</lock>\n";
-}
-
-void appendAttribute(std::string& out, const char* name, std::string_view value)
-{
-    out += "\n   ";
-    out += name;
-    out += "=\"";
-    appendEscaped(out, value, true);
-    out += '"';
 }
 
 // --- One target's walk -------------------------------------------------------------
@@ -798,7 +741,7 @@ void StatusPrinter::startTarget()
     const std::string& display = target_->display.empty() ? std::string(".") : target_->display;
     if (settings_.xml) {
         out += "<target";
-        appendAttribute(out, "path", display);
+        appendXMLAttribute(out, "path", display);
         out += ">\n";
     } else if (settings_.json) {
         out += firstJSONTarget_ ? "\n{\"target\":" : ",\n{\"target\":";
@@ -822,7 +765,7 @@ void StatusPrinter::finishTarget()
             out += "<against";
             std::string revision;
             appendNumber(revision, *target_->against);
-            appendAttribute(out, "revision", revision);
+            appendXMLAttribute(out, "revision", revision);
             out += "/>\n";
         }
         out += "</target>\n";
@@ -1034,35 +977,35 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
     const bool versioned = !mark && (line.kind == LineKind::ExternalRoot || isVersioned(node, status));
     std::string& out = output_.buffer();
     out += "<entry";
-    appendAttribute(out, "path", path);
+    appendXMLAttribute(out, "path", path);
     out += ">\n<wc-status";
     LuSVNStatusKind item = line.kind == LineKind::ExternalRoot ? LuSVNStatusNormal : status.textStatus();
     if (line.kind == LineKind::ExternalMark)
         item = LuSVNStatusExternal;
-    appendAttribute(out, "item", statusWord(item));
-    appendAttribute(out, "props",
+    appendXMLAttribute(out, "item", statusWord(item));
+    appendXMLAttribute(out, "props",
                     mark || status.textStatus() == LuSVNStatusDeleted ? "none"
                                                                       : statusWord(status.propertyStatus()));
     if (versioned && !status.isCopied()) {
         std::string revision;
         appendNumber(revision, status.workingRevision());
-        appendAttribute(out, "revision", revision);
+        appendXMLAttribute(out, "revision", revision);
     }
     if (!mark) {
         if (status.isLocked())
-            appendAttribute(out, "wc-locked", "true");
+            appendXMLAttribute(out, "wc-locked", "true");
         if (status.isCopied())
-            appendAttribute(out, "copied", "true");
+            appendXMLAttribute(out, "copied", "true");
         if (status.isSwitched())
-            appendAttribute(out, "switched", "true");
+            appendXMLAttribute(out, "switched", "true");
         if (status.isFileExternal())
-            appendAttribute(out, "file-external", "true");
+            appendXMLAttribute(out, "file-external", "true");
         if (status.treeConflict())
-            appendAttribute(out, "tree-conflicted", "true");
+            appendXMLAttribute(out, "tree-conflicted", "true");
         if (status.movedFromPath())
-            appendAttribute(out, "moved-from", movePath(*status.movedFromPath()));
+            appendXMLAttribute(out, "moved-from", movePath(*status.movedFromPath()));
         if (status.movedToPath())
-            appendAttribute(out, "moved-to", movePath(*status.movedToPath()));
+            appendXMLAttribute(out, "moved-to", movePath(*status.movedToPath()));
     }
     out += ">\n";
     // An item new in the repository carries the repository's last change,
@@ -1071,15 +1014,15 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
         out += "<commit";
         std::string revision;
         appendNumber(revision, node.revision());
-        appendAttribute(out, "revision", revision);
+        appendXMLAttribute(out, "revision", revision);
         out += ">\n";
         if (node.author()) {
             out += "<author>";
-            appendEscaped(out, *node.author(), false);
+            appendXMLData(out, *node.author());
             out += "</author>\n";
         }
         if (node.date())
-            out += "<date>" + xmlDate(*node.date()) + "</date>\n";
+            out += "<date>" + repositoryDate(*node.date()) + "</date>\n";
         out += "</commit>\n";
     }
     if (!mark && node.lock())
@@ -1087,8 +1030,8 @@ void StatusPrinter::printXMLEntry(const Line& line, std::string_view path)
     out += "</wc-status>\n";
     if (!mark && (isOutOfDate(status) || status.repositoryLock())) {
         out += "<repos-status";
-        appendAttribute(out, "item", statusWord(repositoryNodeStatus(status)));
-        appendAttribute(out, "props",
+        appendXMLAttribute(out, "item", statusWord(repositoryNodeStatus(status)));
+        appendXMLAttribute(out, "props",
                         statusWord(isAbnormalKind(status.repositoryPropertyStatus()) ? status.repositoryPropertyStatus()
                                                                                     : LuSVNStatusNone));
         out += ">\n";
@@ -1128,7 +1071,7 @@ void StatusPrinter::printChangelists()
                 if (current)
                     out += "</changelist>\n";
                 out += "<changelist";
-                appendAttribute(out, "name", name);
+                appendXMLAttribute(out, "name", name);
                 out += ">\n";
             } else {
                 out += "\n--- Changelist '" + name + "':\n";

@@ -45,18 +45,22 @@ void appendXMLFuzzyData(std::string& out, std::string_view text)
     appendEscaped(out, safe, false);
 }
 
+void appendXMLAttribute(std::string& out, std::string_view name, std::string_view value)
+{
+    out += "\n   ";
+    out += name;
+    out += "=\"";
+    appendEscaped(out, value, true);
+    out += '"';
+}
+
 void appendXMLOpenTag(std::string& out, std::string_view name,
                       const std::vector<std::pair<std::string, std::string>>& attributes, bool protectData)
 {
     out += '<';
     out += name;
-    for (const auto& [key, value] : attributes) {
-        out += "\n   ";
-        out += key;
-        out += "=\"";
-        appendEscaped(out, value, true);
-        out += '"';
-    }
+    for (const auto& [key, value] : attributes)
+        appendXMLAttribute(out, key, value);
     out += protectData ? ">" : ">\n";
 }
 

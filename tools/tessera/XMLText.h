@@ -15,6 +15,10 @@ void appendXMLData(std::string& out, std::string_view text);
 /// the character data is escaped.
 void appendXMLFuzzyData(std::string& out, std::string_view text);
 
+/// One attribute of an open tag as svn writes it: "\n   name=\"value\"", the
+/// value escaped for an attribute (quotes, line feeds and tabs too).
+void appendXMLAttribute(std::string& out, std::string_view name, std::string_view value);
+
 /// svn's open tag: "<name" then each attribute on a line of its own
 /// ("\n   key=\"value\"", the value escaped for an attribute) then ">", and a
 /// line break after it unless `protectData` (the element's text follows at

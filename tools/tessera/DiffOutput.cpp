@@ -1,0 +1,68 @@
+#include "DiffOutput.h"
+
+#include <tessera/LuSVNStreams.h>
+
+#include <cstdio>
+#include <string>
+
+#include "HistoryOptions.h"
+#include "Operation.h"
+
+namespace {
+
+// Passes the text on to standard output line by line, taking `prefix` off
+// the path of "Index: PATH (deleted)" lines. Written from the library's
+// thread: failures are answered, never thrown.
+class DeletedHeaderFilter : public LuSVNOutputStream {
+public:
+    explicit DeletedHeaderFilter(std::string prefix) : prefix_("Index: " + std::move(prefix)) {}
+
+    long write(const std::uint8_t* buffer, std::size_t length) override
+    {
+        pending_.append(reinterpret_cast<const char*>(buffer), length);
+        std::size_t start = 0;
+        for (std::size_t end; (end = pending_.find('\n', start)) != std::string::npos; start = end + 1) {
+            std::string_view line(pending_.data() + start, end + 1 - start);
+            if (line.starts_with(prefix_) && line.ends_with(" (deleted)\n")) {
+                if (!put("Index: "))
+                    return -1;
+                line.remove_prefix(prefix_.size());
+            }
+            if (!put(line))
+                return -1;
+        }
+        pending_.erase(0, start);
+        return static_cast<long>(length);
+    }
+
+    // The text after the last line break, on the calling thread.
+    void finish()
+    {
+        writeOutput(pending_);
+        pending_.clear();
+    }
+
+private:
+    static bool put(std::string_view text)
+    {
+        return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    }
+
+    std::string prefix_;
+    std::string pending_;
+};
+
+}  // namespace
+
+void writeLocationDiff(const LuSVNNode::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+                       const LuSVNNode::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
+                       bool relativeToCurrentDirectory, const LuSVNDiffOptions& options,
+                       const std::shared_ptr<LuSVNContext>& context)
+{
+    const LuSVNNode::Path relativeTo = relativeToCurrentDirectory ? LuSVNNode::Path(targetPath(".")) : nullptr;
+    auto output = std::make_shared<DeletedHeaderFilter>(relativeToCurrentDirectory ? absoluteTargetPath(".") + "/"
+                                                                                   : std::string());
+    LuSVNDiff::compareOriginalAtPath(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeTo,
+                                     output, options, context);
+    output->finish();
+}
