@@ -21,6 +21,7 @@
 #include <tessera/LuSVNURL.h>
 
 struct TESSERA_EXPORT LuSVNInfo {
+    /// The dates of the record.
     using Date = std::chrono::system_clock::time_point;
 
     /// The node as Subversion names it: the absolute path of a working-copy
@@ -29,17 +30,22 @@ struct TESSERA_EXPORT LuSVNInfo {
     std::string path;
     /// The node's repository URL; null for an item Subversion has none for.
     LuSVNNode::URLPath URL;
-    /// The repository's root URL and UUID, when known.
+    /// The repository's root URL, when known.
     LuSVNNode::URLPath repositoryRootURL;
+    /// The repository's UUID, when known.
     std::optional<std::string> repositoryUUID;
     /// The node's revision (the working copy's base revision of a
     /// working-copy node); LuSVNInvalidRevision when none.
     std::int32_t revision = LuSVNInvalidRevision;
+    /// The node's kind.
     LuSVNNodeKind kind = LuSVNNodeKindUnknown;
     /// A repository file's size; none for directories and working-copy nodes.
     std::optional<std::int64_t> size;
+    /// The revision of the node's last change.
     std::int32_t lastChangedRevision = LuSVNInvalidRevision;
+    /// The date of the last change, when known.
     std::optional<Date> lastChangedDate;
+    /// The author of the last change, when known.
     std::optional<std::string> lastChangedAuthor;
     /// The repository's lock of a repository node, the working copy's lock
     /// of a working-copy node; null when none.
@@ -49,8 +55,11 @@ struct TESSERA_EXPORT LuSVNInfo {
     bool hasWorkingCopyInfo = false;
     /// The working copy's root directory (backends 1.7 and later).
     std::optional<std::string> workingCopyRootPath;
+    /// What the next commit does with the node.
     LuSVNSchedule schedule = LuSVNScheduleNormal;
+    /// The source of a copy scheduled for commit: its URL and revision.
     std::optional<std::string> copiedFromURL;
+    /// The revision of the copy's source; LuSVNInvalidRevision when none.
     std::int32_t copiedFromRevision = LuSVNInvalidRevision;
     /// The depth of a working-copy directory (LuSVNDepthUnknown when not
     /// recorded).
@@ -60,8 +69,10 @@ struct TESSERA_EXPORT LuSVNInfo {
     /// The pristine text's checksum in hexadecimal: SHA-1 on backends 1.7
     /// and later, MD5 through the older interface.
     std::optional<std::string> checksum;
+    /// The changelist the node is on.
     std::optional<std::string> changelist;
-    /// Where a moved node came from or went, absolute paths (1.8 and later).
+    /// Where a moved node came from, an absolute path (1.8 and later).
     std::optional<std::string> movedFromPath;
+    /// Where a moved node went, an absolute path (1.8 and later).
     std::optional<std::string> movedToPath;
 };

@@ -33,12 +33,14 @@ LuSVNContext& anyContext()
 
 // What the notifier prints for the steps, with its summary, its paths shown
 // from /wc/sub.
-std::string printed(const std::vector<Step>& steps, bool checkout = false)
+std::string printed(const std::vector<Step>& steps, bool checkout = false, bool exporting = false)
 {
     std::FILE* stream = std::tmpfile();
     TesseraNotifier notifier("/wc/sub", stream);
     if (checkout)
         notifier.markCheckout();
+    if (exporting)
+        notifier.markExport();
     for (const Step& step : steps) {
         LuSVNNotification n(step.action);
         n.setPath(step.path);
@@ -121,6 +123,20 @@ TEST(TesseraNotifier, OperationsAsSvnPrintsThem)
                        {LuSVNNotifyActionUpdateCompleted, "/wc/sub", 1, 1, 2}}),
               "\nFetching external item into 'x':\nA    x/a\nUpdated external to revision 9.\n\n"
               "At revision 2.\n");
+    // An export names the revision exported, or none for working files;
+    // its externals alike.
+    EXPECT_EQ(printed({{LuSVNNotifyActionUpdateAdd, "/wc/sub/a"},
+                       {LuSVNNotifyActionUpdateExternal, "/wc/sub/x"},
+                       {LuSVNNotifyActionUpdateCompleted, "/wc/sub/x", 1, 1, 9},
+                       {LuSVNNotifyActionUpdateCompleted, "/wc/sub", 1, 1, 3}},
+                      false, true),
+              "A    a\n\nFetching external item into 'x':\nExported external at revision 9.\n\n"
+              "Exported revision 3.\n");
+    EXPECT_EQ(printed({{LuSVNNotifyActionUpdateExternal, "/wc/sub/x"},
+                       {LuSVNNotifyActionUpdateCompleted, "/wc/sub/x"},
+                       {LuSVNNotifyActionUpdateCompleted, "/wc/sub"}},
+                      false, true),
+              "\nFetching external item into 'x':\nExternal export complete.\n\nExport complete.\n");
     // Commit: the data dots on one line, closed when the transaction starts.
     EXPECT_EQ(printed({{LuSVNNotifyActionCommitModified, "/wc/sub/a"},
                        {LuSVNNotifyActionCommitPostfixTXDelta, "/wc/sub/a"},
