@@ -26,11 +26,16 @@ twin_step mkdir --parents wc/x/y
 twin_step mkdir wc/z @URL@/z
 twin_step mkdir -m "local" wc/z
 twin_step mkdir
+# A message that names a path, or a message file under version control, is
+# refused as a likely mistake unless --force-log.
+twin_step mkdir -m wc @URL@/forced
+twin_step mkdir --force-log -m wc @URL@/forced
 twin_both '
   printf "one\n" > wc/one.txt && printf "two\n" > "wc/two words.txt" && printf "p\n" > "wc/per%cent#.txt"
   printf "at\n" > "wc/at@sign.txt"
   $svn add -q wc/one.txt "wc/two words.txt" "wc/per%cent#.txt" "wc/at@sign.txt@"
   $svn commit -q -m "files" wc'
+twin_step commit -F wc/one.txt wc
 
 # Copies: WC to WC, into a directory, several sources, peg and -r, URL to
 # URL, URL to WC, WC to URL, with parents; and refusals.

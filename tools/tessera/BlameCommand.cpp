@@ -113,7 +113,7 @@ void blameTarget(const Settings& settings, const std::string& target, const LuSV
     if (settings.local && !working)
         raiseArgumentError("--local shows the working file; it takes no end revision");
 
-    const LuSVNNode::Path path = url ? LuSVNNode::Path(LuSVNURL::URLWithString(pathText))
+    const LuSVNNode::Path path = url ? LuSVNNode::Path(commandLineURL(pathText))
                                      : LuSVNNode::Path(targetPath(pathText));
     TesseraOperation operation(url ? pathText : absoluteTargetPath(pathText), {true, false});
     const auto& context = operation.context();

@@ -84,7 +84,7 @@ int checkout(const CLI::App& command, const Settings& settings)
         TesseraOperation operation(*newest, {settings.quiet, true});
         if (operation.notifier())
             operation.notifier()->markCheckout();
-        LuSVNDirectory::checkoutDirectoryAtURL(LuSVNURL::URLWithString(url), targetPath(path), options,
+        LuSVNDirectory::checkoutDirectoryAtURL(commandLineURL(url), targetPath(path), options,
                                                operation.context());
     }
     return 0;

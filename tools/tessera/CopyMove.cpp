@@ -34,7 +34,7 @@ std::string baseName(const std::string& target)
 LuSVNNode::Path location(const std::string& target)
 {
     if (isURL(target))
-        return targetURL(target);
+        return commandLineURL(target);
     return targetPath(target);
 }
 
@@ -47,7 +47,7 @@ bool isDirectory(const std::string& destination, const LuSVNNode::Context& conte
         return fs::is_directory(absoluteTargetPath(destination), error);
     }
     try {
-        return LuSVNNode::isDirectoryAtPath(targetURL(destination), LuSVNRevisionSpec::HEAD(), context);
+        return LuSVNNode::isDirectoryAtPath(commandLineURL(destination), LuSVNRevisionSpec::HEAD(), context);
     } catch (const LuSVNException&) {
         return false;
     }
@@ -59,7 +59,7 @@ void makeParent(const std::string& destination, const LuSVNNode::Context& contex
     if (isURL(destination)) {
         const std::string parent = destination.substr(0, destination.find_last_of('/'));
         if (!isDirectory(parent, context))
-            LuSVNNode::createDirectoriesAtPaths({targetURL(parent)}, true, context);
+            LuSVNNode::createDirectoriesAtPaths({commandLineURL(parent)}, true, context);
         return;
     }
     const fs::path parent = fs::path(absoluteTargetPath(destination)).parent_path();

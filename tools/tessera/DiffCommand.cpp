@@ -58,7 +58,7 @@ Side side(const std::string& text, const std::optional<LuSVNDiff::Revision>& giv
 
 LuSVNNode::Path nodePath(const std::string& target)
 {
-    return isURL(target) ? LuSVNNode::Path(LuSVNURL::URLWithString(target)) : LuSVNNode::Path(targetPath(target));
+    return isURL(target) ? LuSVNNode::Path(commandLineURL(target)) : LuSVNNode::Path(targetPath(target));
 }
 
 void writeDiff(const Side& original, const Side& modified, const LuSVNDiffOptions& options)

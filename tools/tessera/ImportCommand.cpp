@@ -51,7 +51,7 @@ int import(const CLI::App& command, const Settings& settings)
     commitWithLogMessage(operation, *settings.logMessage, std::filesystem::current_path().string(), settings.quiet,
                          [&] {
                              return LuSVNNode::importNodeAtPath(targetPath(path),
-                                                                targetURL(arguments.back()), options,
+                                                                commandLineURL(arguments.back()), options,
                                                                 operation.context());
                          });
     return 0;

@@ -3,15 +3,13 @@
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "Command.h"
 #include "LockTargets.h"
 #include "Messages.h"
 #include "Options.h"
+#include "RepositoryCommit.h"
 
 namespace {
 
@@ -26,8 +24,6 @@ struct Settings {
 };
 
 // svn's codes for a comment it will not take.
-constexpr int CommentIsVersionedFile = 205004;
-constexpr int CommentIsPathname = 205005;
 constexpr int BadComment = 205008;
 constexpr int InconsistentLineEndings = 135000;
 
@@ -54,44 +50,10 @@ std::string withLineFeeds(const std::string& text)
     return result;
 }
 
-// Whether the file is a versioned item of a working copy.
-bool isVersioned(const std::string& file)
-{
-    try {
-        auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle());
-        LuSVNNode::kindOfNodeAtPath(LuSVNLocalPath::pathWithString(std::filesystem::absolute(file).string()),
-                                    LuSVNRevisionSpec::UNSPECIFIED(), context);
-        return true;
-    } catch (const LuSVNException&) {
-        return false;
-    }
-}
-
-// The comment as -m or -F gives it, checked as svn checks it before it
-// runs the command: a versioned file or a path given as the text is likely
-// a mistake.
-std::optional<std::string> givenComment(const Settings& settings)
-{
-    std::error_code error;
-    if (settings.message && !settings.forceLog && std::filesystem::exists(*settings.message, error))
-        throwErrorChain({{CommentIsPathname,
-                          "The lock comment is a pathname (was -F intended?); use '--force-log' to override"}});
-    if (!settings.commentFile)
-        return settings.message;
-    std::ifstream file(*settings.commentFile, std::ios::binary);
-    if (!file)
-        throwErrorChain({{2, "Can't open file '" + *settings.commentFile + "': No such file or directory"}});
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!settings.forceLog && isVersioned(*settings.commentFile))
-        throwErrorChain({{CommentIsVersionedFile,
-                          "Lock comment file is a versioned file; use '--force-log' to override"}});
-    return text.str();
-}
-
 int lock(const CLI::App& command, const Settings& settings)
 {
-    std::optional<std::string> comment = givenComment(settings);
+    std::optional<std::string> comment =
+        givenMessage(settings.message, settings.commentFile, settings.forceLog, "lock comment");
     const TesseraLockTargets targets = lockTargets(command, settings.arguments, settings.targetsFile);
     if (comment && comment->find('\0') != std::string::npos)
         throwErrorChain({{BadComment, "Lock comment contains a zero byte"}});

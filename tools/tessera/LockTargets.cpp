@@ -1,7 +1,5 @@
 #include "LockTargets.h"
 
-#include <cstdio>
-
 #include "Messages.h"
 #include "Operation.h"
 #include "Options.h"
@@ -10,25 +8,6 @@ namespace {
 
 // svn's code for targets that cannot be worked on together.
 constexpr int IllegalTarget = 200009;
-
-// A URL as the user typed it, with what URLs cannot hold (spaces, bytes
-// beyond ASCII) escaped and the escapes already there kept, as svn takes it.
-std::string escapedURL(const std::string& text)
-{
-    static const std::string notAllowed = " \"<>\\^`{|}";
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte >= 0x7f || notAllowed.find(c) != std::string::npos) {
-            char escape[4];
-            std::snprintf(escape, sizeof escape, "%%%02X", byte);
-            result += escape;
-        } else {
-            result += c;
-        }
-    }
-    return result;
-}
 
 }  // namespace
 
@@ -59,7 +38,7 @@ TesseraLockTargets lockTargets(const CLI::App& command, const std::vector<std::s
         }
         if (peg)
             throwErrorChain({{IllegalTarget, "'" + text + "': a peg revision is not allowed here"}});
-        targets.paths.push_back(targets.urls ? LuSVNNode::Path(LuSVNURL::URLWithString(escapedURL(target)))
+        targets.paths.push_back(targets.urls ? LuSVNNode::Path(commandLineURL(target))
                                              : LuSVNNode::Path(targetPath(target)));
     }
     return targets;

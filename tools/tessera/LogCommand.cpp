@@ -259,7 +259,7 @@ int log(const Settings& settings)
     options.setTraverseCopyHistory(!settings.stopOnCopy);
 
     TesseraOperation operation(url ? target : absoluteTargetPath(target), {true, false});
-    const LuSVNNode::Path path = url ? LuSVNNode::Path(LuSVNURL::URLWithString(target))
+    const LuSVNNode::Path path = url ? LuSVNNode::Path(commandLineURL(target))
                                      : LuSVNNode::Path(targetPath(target));
     if (settings.xml && !settings.incremental)
         writeOutput("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<log>\n");

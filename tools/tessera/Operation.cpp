@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <unistd.h>
 
@@ -113,6 +114,23 @@ bool isURL(const std::string& text)
     const auto colon = text.find("://");
     return colon != std::string::npos && colon > 0 &&
            text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+.-") == colon;
+}
+
+LuSVNNode::URLPath commandLineURL(const std::string& text)
+{
+    static const std::string unsafe = " \"<>\\^`{|}";
+    std::string escaped;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte >= 0x7f || unsafe.find(c) != std::string::npos) {
+            char code[4];
+            std::snprintf(code, sizeof code, "%%%02X", byte);
+            escaped += code;
+        } else {
+            escaped += c;
+        }
+    }
+    return LuSVNURL::URLWithString(escaped);
 }
 
 std::vector<std::string> localTargets(const std::vector<std::string>& arguments,

@@ -103,6 +103,11 @@ std::vector<std::string> localTargets(const std::vector<std::string>& arguments,
 /// Whether the text is a URL ("scheme://...").
 bool isURL(const std::string& text);
 
+/// The URL of a command-line argument as svn takes it: what a URL cannot
+/// hold (spaces, quotes, bytes beyond ASCII, ...) escaped, the escapes
+/// already there kept.
+LuSVNNode::URLPath commandLineURL(const std::string& text);
+
 /// svn's way with targets that cannot be worked on: an error of one of the
 /// given codes becomes a warning (none when quiet) and the next target is
 /// worked on; at the end one error says which kinds there were.

@@ -1,6 +1,5 @@
 #include "PropertyOutput.h"
 
-#include <cstdio>
 #include <vector>
 
 #include "HistoryOptions.h"
@@ -43,23 +42,6 @@ std::string propertyItemDisplay(const std::string& target, const std::string& ab
         below.erase(0, 1);
     display += below;
     return display.empty() ? "." : display;
-}
-
-LuSVNNode::Path commandLineURL(const std::string& text)
-{
-    static const std::string unsafe = " \"<>\\^`{|}";
-    std::string escaped;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte >= 0x7f || unsafe.find(c) != std::string::npos) {
-            char code[4];
-            std::snprintf(code, sizeof code, "%%%02X", byte);
-            escaped += code;
-        } else {
-            escaped += c;
-        }
-    }
-    return LuSVNURL::URLWithString(escaped);
 }
 
 std::string propertyBytes(const LuSVNPropertyValue& value)

@@ -14,11 +14,6 @@
 std::string propertyItemDisplay(const std::string& target, const std::string& absoluteTarget,
                                 const std::string& reported);
 
-/// A URL typed on the command line, escaped as svn escapes it: blanks,
-/// characters URLs cannot hold and non-ASCII bytes become "%XX"; escapes
-/// already there stay.
-LuSVNNode::Path commandLineURL(const std::string& text);
-
 /// The value's bytes.
 std::string propertyBytes(const LuSVNPropertyValue& value);
 

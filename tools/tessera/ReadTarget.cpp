@@ -11,7 +11,7 @@ TesseraReadTarget readTarget(const std::string& argument, const std::shared_ptr<
     target.text = text;
     target.isURL = isURL(text);
     if (target.isURL)
-        target.path = LuSVNURL::URLWithString(text);
+        target.path = commandLineURL(text);
     else
         target.path = targetPath(text);
     const auto pegRevision = peg ? peg->keyRevision() : LuSVNRevision::UNSPECIFIED();

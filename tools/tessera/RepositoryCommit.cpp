@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cctype>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -17,30 +19,46 @@ constexpr int IllegalTarget = 200009;
 // svn's code for a log message where nothing is committed.
 constexpr int LocalLogMessage = 205009;
 
-// The text of -m, else of the file of -F, read as svn reads it.
-std::optional<std::string> messageText(const TesseraLogMessageOptions& options)
+// Whether the file is a versioned item of a working copy.
+bool isVersioned(const std::string& file)
 {
-    if (!options.messageFile)
-        return options.message;
-    std::ifstream file(*options.messageFile, std::ios::binary);
-    if (!file)
-        LuSVNException::exceptionWithReason("Can't open file '" + *options.messageFile + "': No such file or directory",
-                                            2)
-            ->raise();
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    try {
+        auto context = LuSVNContext::contextWithBundle(LuSVNBundleLoader::sharedInstance()->newestBundle());
+        LuSVNNode::kindOfNodeAtPath(LuSVNLocalPath::pathWithString(std::filesystem::absolute(file).string()),
+                                    LuSVNRevisionSpec::UNSPECIFIED(), context);
+        return true;
+    } catch (const LuSVNException&) {
+        return false;
+    }
 }
 
 }  // namespace
 
-LuSVNNode::URLPath targetURL(const std::string& text)
+std::optional<std::string> givenMessage(const std::optional<std::string>& message,
+                                        const std::optional<std::string>& file, bool forceLog,
+                                        const std::string& noun)
 {
-    try {
-        return LuSVNURL::URLWithString(text);
-    } catch (const LuSVNInvalidArgumentException&) {
-        return LuSVNURL::URLEncodeString(text);
+    // Likely mistakes, as svn sees them before it runs the command.
+    std::error_code error;
+    if (message && !forceLog && std::filesystem::exists(*message, error))
+        LuSVNException::exceptionWithReason(
+            "The " + noun + " is a pathname (was -F intended?); use '--force-log' to override", 205005)
+            ->raise();
+    if (!file)
+        return message;
+    std::ifstream stream(*file, std::ios::binary);
+    if (!stream)
+        LuSVNException::exceptionWithReason("Can't open file '" + *file + "': No such file or directory", 2)->raise();
+    std::ostringstream text;
+    text << stream.rdbuf();
+    if (!forceLog && isVersioned(*file)) {
+        std::string capitalised = noun;
+        capitalised[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(capitalised[0])));
+        LuSVNException::exceptionWithReason(capitalised + " file is a versioned file; use '--force-log' to override",
+                                            205004)
+            ->raise();
     }
+    return text.str();
 }
 
 std::vector<LuSVNNode::Path> repositoryOrWorkingCopyTargets(const CLI::App& command,
@@ -55,7 +73,7 @@ std::vector<LuSVNNode::Path> repositoryOrWorkingCopyTargets(const CLI::App& comm
                              {TesseraArgumentParsingError, "Error parsing arguments"},
                              {IllegalTarget, "Cannot mix repository and working copy targets"}});
         if (remote)
-            paths.push_back(targetURL(target));
+            paths.push_back(commandLineURL(target));
         else
             paths.push_back(targetPath(target));
     }
@@ -95,7 +113,7 @@ std::int32_t commitWithLogMessage(TesseraOperation& operation, const TesseraLogM
                                   const std::function<std::int32_t()>& work)
 {
     auto provider = std::make_shared<TesseraLogMessageProvider>(TesseraLogMessageProvider::Settings{
-        messageText(options), options.editorCommand, baseDirectory, !tesseraGlobalSettings().interactive()});
+        givenMessage(options.message, options.messageFile, options.forceLog, "log message"), options.editorCommand, baseDirectory, !tesseraGlobalSettings().interactive()});
     operation.context()->setLogMessageProvider(provider);
     std::int32_t revision = LuSVNInvalidRevision;
     try {

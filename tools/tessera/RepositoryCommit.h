@@ -27,14 +27,20 @@ struct TesseraLogMessageOptions {
 /// with -F while the options are read.
 void addLogMessageOptions(CLI::App& command, const std::shared_ptr<TesseraLogMessageOptions>& options);
 
-/// The URL of a command-line argument, escaped or not, as svn takes both.
-LuSVNNode::URLPath targetURL(const std::string& text);
-
 /// The targets as URLs or as working-copy paths; targets of both kinds
 /// raise svn's usage error and E200009 "Cannot mix repository and working
 /// copy targets".
 std::vector<LuSVNNode::Path> repositoryOrWorkingCopyTargets(const CLI::App& command,
                                                             const std::vector<std::string>& arguments);
+
+/// The text of -m, else of the file of -F, as svn reads and checks it:
+/// unless --force-log, a -m text naming an existing path raises E205005
+/// "The <noun> is a pathname (was -F intended?); ..." and a -F file under
+/// version control E205004 "<Noun> file is a versioned file; ...". The noun
+/// is "log message" or "lock comment".
+std::optional<std::string> givenMessage(const std::optional<std::string>& message,
+                                        const std::optional<std::string>& file, bool forceLog,
+                                        const std::string& noun);
 
 /// svn's refusal, E205009, of a log message for a change of a working copy.
 void refuseLogMessageLocally(const TesseraLogMessageOptions& options);

@@ -33,7 +33,7 @@ int switchWorkingCopy(const CLI::App& command, const Settings& settings)
                                                                 peg ? peg->keyRevision() : LuSVNRevision::HEAD()));
 
     TesseraOperation operation(target, {settings.quiet, true});
-    LuSVNNode::switchNodeAtPath(targetPath(target), LuSVNURL::URLWithString(url), options, operation.context());
+    LuSVNNode::switchNodeAtPath(targetPath(target), commandLineURL(url), options, operation.context());
     operation.finishProgress();
     operation.concludeUpdate();
     return 0;
