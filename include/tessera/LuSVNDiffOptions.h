@@ -36,12 +36,13 @@ public:
 
     bool ignoreEOLStyle() const { return ignoreEOLStyle_; }
     bool recursive() const { return recursive_; }
-    /// Whether the diff between two locations tells an item apart from an
-    /// unrelated one that replaced it (Subversion's ignore_ancestry, negated).
-    bool noticeAncestry() const { return noticeAncestry_; }
     /// Each keeps only the lowest bit of its argument.
     void setIgnoreEOLStyle(int ignoreEOLStyle) { ignoreEOLStyle_ = ignoreEOLStyle & 1; }
     void setRecursive(int recursive) { recursive_ = recursive & 1; }
+
+    /// Whether the diff between two locations tells an item apart from an
+    /// unrelated one that replaced it (Subversion's ignore_ancestry, negated).
+    bool noticeAncestry() const { return noticeAncestry_; }
     /// Sets noticeAncestry.
     void setNoticeAncestry(bool noticeAncestry) { noticeAncestry_ = noticeAncestry; }
     /// Whether the diff between two locations shows the text of deleted

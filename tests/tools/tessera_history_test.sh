@@ -194,6 +194,7 @@ same diff --no-diff-deleted -c 4 "$repository/trunk"
 same diff --old=trunk/a --new=branch/a
 same diff --old=trunk/a
 same diff --old=trunk --new=branch
+same diff -r 1:HEAD --old=trunk --new=branch a dir
 same diff -r 2:HEAD --old=trunk --new=branch
 same diff --old="$repository/trunk@2" --new="$repository/branch"
 same diff "$repository/trunk/a@2" "$repository/branch/a"

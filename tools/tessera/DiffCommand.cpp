@@ -114,7 +114,16 @@ int diff(const Settings& settings)
         const std::string oldTarget = splitPegRevision(old).first;
         const std::string newTarget = splitPegRevision(modified).first;
         const Side original = side(old, from, oldTarget == newTarget ? base(oldTarget) : working(oldTarget));
-        writeDiff(original, side(modified, to, working(newTarget)), options);
+        const Side changed = side(modified, to, working(newTarget));
+        // With --old, the arguments are paths below both sides.
+        const std::vector<std::string> paths =
+            settings.old && !settings.arguments.empty() ? settings.arguments : std::vector<std::string>{""};
+        for (const std::string& path : paths) {
+            const auto below = [&path](const Side& at) {
+                return Side{path.empty() ? at.target : at.target + "/" + path, at.revision};
+            };
+            writeDiff(below(original), below(changed), options);
+        }
         return 0;
     }
 
