@@ -100,11 +100,11 @@ std::vector<std::string> lineTokens(std::string_view line)
     }
 }
 
-// svn_path_is_url: a scheme without "/" followed by "://".
+// svn_path_is_url: a non-empty scheme without "/" followed by "://".
 bool isURL(std::string_view text)
 {
     const std::size_t colon = text.find_first_of(":/");
-    return colon != std::string_view::npos && text[colon] == ':' && text.substr(colon + 1, 2) == "//";
+    return colon != std::string_view::npos && colon > 0 && text[colon] == ':' && text.substr(colon + 1, 2) == "//";
 }
 
 LuSVNExternalFormat formatOfLine(std::string_view line)
@@ -235,7 +235,8 @@ std::vector<LuSVNExternalDefinition> LuSVNExternalDefinition::externalDefinition
             revisionOfDefinition(item->revision), revisionOfDefinition(item->peg_revision));
         definitions.push_back(std::move(definition));
     }
-    const std::vector<std::string> lines = definitionLines(text);
+    // Subversion reads the text up to its first NUL, and so do the lines.
+    const std::vector<std::string> lines = definitionLines(text.c_str());
     for (std::size_t i = 0; i < definitions.size() && i < lines.size(); ++i)
         definitions[i].format_ = formatOfLine(lines[i]);
     return definitions;

@@ -193,6 +193,8 @@ TEST(LuSVNExternalDefinitionPrinter, EachFormatRoundTrips)
         {"^/lib \"t \"", "^/lib \"t\\ \""},
         {"^/a\\\\@HEAD t", "^/a\\\\@HEAD t"},
         {"t\\\\/. -r 1 http://h/r", "t\\\\/. -r 1 http://h/r"},
+        // No scheme, no URL: the new syntax, whose target Subversion canonicalises.
+        {"^i ://h/r", "^i :/h/r"},
     };
     for (const Case& c : cases) {
         const auto definitions = LuSVNExternalDefinition::externalDefinitionListValue(c.line);
@@ -203,6 +205,11 @@ TEST(LuSVNExternalDefinitionPrinter, EachFormatRoundTrips)
         EXPECT_EQ(again[0], definitions[0]) << c.line;
         EXPECT_EQ(again[0].format(), definitions[0].format()) << c.line;
     }
+    // Subversion reads the value up to its first NUL; so does the syntax.
+    const std::string withNul("ext ~\0tp://h/r", 14);
+    const auto cut = LuSVNExternalDefinition::externalDefinitionListValue(withNul);
+    ASSERT_EQ(cut.size(), 1u);
+    EXPECT_EQ(cut[0].format(), LuSVNExternalFormat::New);
     // A definition of the old format that the old syntax cannot say is
     // printed in the new one.
     auto relative = LuSVNExternalDefinition::externalDefinitionListValue("x http://h/r")[0];

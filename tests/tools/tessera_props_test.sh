@@ -87,6 +87,21 @@ twin_step pl --xml -R wc/dir
 twin_step pl --xml -v wc/dir
 twin_step pl wc/missing.txt wc/a.txt
 
+# Editing: an editor that appends a line, one that changes nothing, one that fails.
+printf '#!/bin/sh\nprintf "edited\\n" >> "$1"\n' >"$work/append.sh"
+chmod +x "$work/append.sh"
+export SVN_EDITOR="$work/append.sh"
+twin_step propedit color wc/a.txt
+twin_step pe fresh "wc/sp ace/f.txt" wc/dir
+twin_step pe svn:ignore wc/dir
+twin_step pe --editor-cmd true color wc/a.txt
+twin_step pe color wc/missing.txt
+twin_step pe color
+twin_step pe "bad name" wc/a.txt
+twin_step pe --editor-cmd false color wc/a.txt
+unset SVN_EDITOR
+props_same propedit
+
 # Deleting.
 twin_step propdel color wc/a.txt
 twin_step pd color wc/a.txt

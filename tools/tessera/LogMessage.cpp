@@ -52,6 +52,56 @@ Stamp stamp(const std::string& path)
 
 }  // namespace
 
+std::optional<std::string> editExternally(LuSVNContext& context, const std::optional<std::string>& editorCommand,
+                                          const std::string& directory, const std::string& stem,
+                                          const std::string& contents, std::optional<std::string>& file,
+                                          const std::string& noEditorMessage)
+{
+    std::optional<std::string> editor = editorCommand;
+    if (!editor)
+        editor = environment("SVN_EDITOR");
+    if (!editor)
+        editor = context.optionForName("editor-cmd", "config", "helpers", std::nullopt);
+    if (!editor)
+        editor = environment("VISUAL");
+    if (!editor)
+        editor = environment("EDITOR");
+    if (!editor || blank(*editor))
+        throwErrorChain({{NoExternalEditor, noEditorMessage},
+                         {NoExternalEditor,
+                          "None of the environment variables SVN_EDITOR, VISUAL or EDITOR are set, and no "
+                          "'editor-cmd' run-time configuration option was found"}});
+
+    // STEM.tmp, STEM.2.tmp, ... in the directory, which the editor runs in.
+    namespace fs = std::filesystem;
+    std::string name = stem + ".tmp";
+    for (int n = 2; fs::exists(fs::path(directory) / name); ++n)
+        name = stem + "." + std::to_string(n) + ".tmp";
+    file = (fs::path(directory) / name).string();
+    std::ofstream(*file, std::ios::binary) << contents;
+    // Two seconds back, so that a fast editor that keeps the size still
+    // changes the time.
+    struct timespec times[2] = {{0, UTIME_OMIT}, {0, 0}};
+    times[1].tv_sec = stamp(*file).modified.tv_sec - 2;
+    ::utimensat(AT_FDCWD, file->c_str(), times, 0);
+    const Stamp before = stamp(*file);
+
+    // svn quotes the file's name on the editor's command line.
+    const std::string command = *editor + " \"" + name + "\"";
+    const fs::path previous = fs::current_path();
+    fs::current_path(directory);
+    const int status = std::system(command.c_str());
+    fs::current_path(previous);
+    if (status != 0)
+        throwErrorChain({{ExternalProgram, "system('" + command + "') returned " + std::to_string(status)}});
+    if (stamp(*file) == before)
+        return std::nullopt;
+    std::ifstream in(*file, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
 TesseraLogMessageProvider::TesseraLogMessageProvider(Settings settings) : settings_(std::move(settings)) {}
 
 std::shared_ptr<LuSVNLogMessageProvider> TesseraLogMessageProvider::copy() const
@@ -142,52 +192,13 @@ bool TesseraLogMessageProvider::promptForMessage(LuSVNContext& context, std::opt
 
 std::optional<std::string> TesseraLogMessageProvider::editMessage(LuSVNContext& context, const std::string& contents)
 {
-    std::optional<std::string> editor = settings_.editorCommand;
-    if (!editor)
-        editor = environment("SVN_EDITOR");
-    if (!editor)
-        editor = context.optionForName("editor-cmd", "config", "helpers", std::nullopt);
-    if (!editor)
-        editor = environment("VISUAL");
-    if (!editor)
-        editor = environment("EDITOR");
-    if (!editor || blank(*editor))
-        throwErrorChain({{NoExternalEditor,
-                          "Could not use external editor to fetch log message; consider setting the $SVN_EDITOR "
-                          "environment variable or using the --message (-m) or --file (-F) options"},
-                         {NoExternalEditor,
-                          "None of the environment variables SVN_EDITOR, VISUAL or EDITOR are set, and no "
-                          "'editor-cmd' run-time configuration option was found"}});
-
-    // svn-commit.tmp, svn-commit.2.tmp, ... in the base directory, which the
-    // editor runs in.
-    namespace fs = std::filesystem;
-    std::string name = "svn-commit.tmp";
-    for (int n = 2; fs::exists(fs::path(settings_.baseDirectory) / name); ++n)
-        name = "svn-commit." + std::to_string(n) + ".tmp";
-    const std::string file = (fs::path(settings_.baseDirectory) / name).string();
-    std::ofstream(file, std::ios::binary) << contents;
+    std::optional<std::string> file;
+    const std::optional<std::string> edited = editExternally(
+        context, settings_.editorCommand, settings_.baseDirectory, "svn-commit", contents, file,
+        "Could not use external editor to fetch log message; consider setting the $SVN_EDITOR environment "
+        "variable or using the --message (-m) or --file (-F) options");
     leftFile_ = file;
-    // Two seconds back, so that a fast editor that keeps the size still
-    // changes the time.
-    struct timespec times[2] = {{0, UTIME_OMIT}, {0, 0}};
-    times[1].tv_sec = stamp(file).modified.tv_sec - 2;
-    ::utimensat(AT_FDCWD, file.c_str(), times, 0);
-    const Stamp before = stamp(file);
-
-    const std::string command = *editor + " " + name;
-    const fs::path previous = fs::current_path();
-    fs::current_path(settings_.baseDirectory);
-    const int status = std::system(command.c_str());
-    fs::current_path(previous);
-    if (status != 0)
-        throwErrorChain({{ExternalProgram, "system('" + command + "') returned " + std::to_string(status)}});
-    if (stamp(file) == before)
-        return std::nullopt;
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return edited;
 }
 
 void TesseraLogMessageProvider::removeLeftFile()

@@ -15,6 +15,17 @@
 /// message there or given with -m and -F.
 inline constexpr const char* TesseraLogMessageEnd = "--This line, and those below, will be ignored--";
 
+/// Writes the contents to a new file STEM.tmp (or STEM.2.tmp, ...) in the
+/// directory, runs the editor on it there (--editor-cmd, SVN_EDITOR, the
+/// configuration's editor-cmd, VISUAL, EDITOR) and answers the file's new
+/// text, or none when the editor left it untouched. `file` names the file,
+/// which stays. Raises svn's errors: no editor (`noEditorMessage` over
+/// svn's list of where it looked), an editor that failed.
+std::optional<std::string> editExternally(LuSVNContext& context, const std::optional<std::string>& editorCommand,
+                                          const std::string& directory, const std::string& stem,
+                                          const std::string& contents, std::optional<std::string>& file,
+                                          const std::string& noEditorMessage);
+
 class TesseraLogMessageProvider final : public LuSVNLogMessageProvider {
 public:
     struct Settings {

@@ -44,6 +44,42 @@ std::string propertyItemDisplay(const std::string& target, const std::string& ab
     return display.empty() ? "." : display;
 }
 
+std::string propertyLineFeeds(const std::string& text)
+{
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r') {
+            result += '\n';
+            if (i + 1 < text.size() && text[i + 1] == '\n')
+                ++i;
+        } else {
+            result += text[i];
+        }
+    }
+    return result;
+}
+
+LuSVNPropertyValue propertyValue(const std::string& bytes)
+{
+    if (LuSVNIsValidUTF8(bytes))
+        return bytes;
+    return LuSVNData(bytes.data(), bytes.size());
+}
+
+void checkPropertyName(const std::string& name)
+{
+    if (!LuSVNPropertyConversion::isValidPropertyName(name))
+        LuSVNException::exceptionWithReason("'" + name + "' is not a valid Subversion property name", 195011)
+            ->raise();
+}
+
+void rethrowPropertyFailure(const LuSVNException& failure)
+{
+    if (failure.status() == 150000 && failure.reason().ends_with("is not under version control"))
+        throw LuSVNException(*LuSVNException::exceptionWithReason(failure.reason(), 200005));
+    throw;
+}
+
 std::string propertyBytes(const LuSVNPropertyValue& value)
 {
     if (const auto* text = std::get_if<std::string>(&value))

@@ -14,6 +14,20 @@
 std::string propertyItemDisplay(const std::string& target, const std::string& absoluteTarget,
                                 const std::string& reported);
 
+/// The text with each "\r\n" and "\r" made "\n", as svn keeps the lines of
+/// its own (svn:) properties.
+std::string propertyLineFeeds(const std::string& text);
+
+/// Bytes as a property value: text when they are UTF-8, else binary data.
+LuSVNPropertyValue propertyValue(const std::string& bytes);
+
+/// Raises svn's E195011 "'<name>' is not a valid Subversion property name".
+void checkPropertyName(const std::string& name);
+
+/// Rethrows the failure, as svn's E200005 when it is Subversion's older
+/// E150000 "... is not under version control" of the property calls.
+[[noreturn]] void rethrowPropertyFailure(const LuSVNException& failure);
+
 /// The value's bytes.
 std::string propertyBytes(const LuSVNPropertyValue& value);
 

@@ -50,11 +50,7 @@ bool printTarget(const Settings& settings, const std::string& name, const std::s
                                                     peg ? peg->keyRevision() : LuSVNRevision::UNSPECIFIED()),
             recursive, operation.context());
     } catch (const LuSVNException& failure) {
-        // Subversion's older propget calls this "entry not found"; svn's own
-        // says "unversioned resource".
-        if (failure.status() != 150000 || !failure.reason().ends_with("is not under version control"))
-            throw;
-        LuSVNException::exceptionWithReason(failure.reason(), 200005)->raise();
+        rethrowPropertyFailure(failure);
     }
     // svn is silent about the items of a recursive target that lack it.
     if (values.empty() && recursive)

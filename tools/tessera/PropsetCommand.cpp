@@ -42,22 +42,6 @@ std::string fileContents(const std::string& path)
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-// svn keeps the lines of its own properties in LF form.
-std::string withLineFeeds(const std::string& text)
-{
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r') {
-            result += '\n';
-            if (i + 1 < text.size() && text[i + 1] == '\n')
-                ++i;
-        } else {
-            result += text[i];
-        }
-    }
-    return result;
-}
-
 // Sets (or, without value, deletes) the property on each working-copy target.
 int changeProperty(const CLI::App& command, const Settings& settings, bool set)
 {
@@ -70,16 +54,11 @@ int changeProperty(const CLI::App& command, const Settings& settings, bool set)
     const std::size_t named = set && !settings.file ? 2 : 1;
     checkArgumentCount(command, arguments, named, static_cast<std::size_t>(-1));
     const std::string name = arguments.front();
-    if (!LuSVNPropertyConversion::isValidPropertyName(name))
-        LuSVNException::exceptionWithReason("'" + name + "' is not a valid Subversion property name", 195011)
-            ->raise();
+    checkPropertyName(name);
     std::optional<LuSVNPropertyValue> value;
     if (set) {
         std::string bytes = settings.file ? fileContents(*settings.file) : arguments[1];
-        if (name.starts_with("svn:"))
-            bytes = withLineFeeds(bytes);
-        value = LuSVNIsValidUTF8(bytes) ? LuSVNPropertyValue(bytes)
-                                        : LuSVNPropertyValue(LuSVNData(bytes.data(), bytes.size()));
+        value = propertyValue(name.starts_with("svn:") ? propertyLineFeeds(bytes) : bytes);
     }
     std::vector<std::string> targets(arguments.begin() + static_cast<std::ptrdiff_t>(named), arguments.end());
     if (targets.empty()) {
