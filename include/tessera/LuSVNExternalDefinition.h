@@ -79,6 +79,7 @@ public:
     /// otherwise (and for one decoded from an archive, which keeps only the
     /// keys above).
     LuSVNExternalFormat format() const { return format_; }
+    /// Sets the syntax that stringValue() writes the definition in.
     void setFormat(LuSVNExternalFormat format) { format_ = format; }
 
     /// The definition as one line of "svn:externals" (no line end) in its

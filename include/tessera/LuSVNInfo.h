@@ -20,6 +20,8 @@
 #include <tessera/LuSVNStatus.h>
 #include <tessera/LuSVNURL.h>
 
+/// What Subversion knows of one item of a working copy or repository, as
+/// LuSVNNode::reportInfoForNodeAtPath hands it out (the fields of svn info).
 struct TESSERA_EXPORT LuSVNInfo {
     /// The dates of the record.
     using Date = std::chrono::system_clock::time_point;
