@@ -79,6 +79,7 @@ public:
     /// otherwise (and for one decoded from an archive, which keeps only the
     /// keys above).
     LuSVNExternalFormat format() const { return format_; }
+    /// The syntax stringValue writes the definition in.
     void setFormat(LuSVNExternalFormat format) { format_ = format; }
 
     /// The definition as one line of "svn:externals" (no line end) in its
