@@ -73,6 +73,8 @@ class LuSVNLogItem;
 class LuSVNLogMessageReceiverDelegate;
 class LuSVNLockOptions;
 class LuSVNLogOptions;
+class LuSVNMergeOptions;
+class LuSVNRevisionRange;
 class LuSVNResolveOptions;
 class LuSVNRevertOptions;
 class LuSVNStatusOptions;
@@ -737,6 +739,73 @@ public:
     /// (LockedHere, Broken, LockedLocally), the repository's lock when another
     /// one holds it (LockedElsewhere, Stolen), else none.
     std::shared_ptr<const LuSVNLock> controllingLock() const;
+
+    // --- Merging -------------------------------------------------------------------
+    //
+    //   auto trunk = LuSVNURL::URLWithString("file:///repo/trunk");
+    //   LuSVNNode::mergeNodeAtPath(trunk, {LuSVNRevisionRange::from(LuSVNRevision::revisionWithNumber(4),
+    //                                                              LuSVNRevision::revisionWithNumber(7))},
+    //                              LuSVNRevision::HEAD(), branchWorkingCopy, LuSVNMergeOptions(), context);
+    //
+    // Each merges into a working copy as svn merge does, in the context's
+    // backend: the newer form on backends 1.5 and later, the older one
+    // before, which knows neither record-only merges ("Record only option
+    // is not supported on 1.4") nor depths but infinity and files ("Invalid
+    // depth"). The options' whitespace behaviour and ignoreEOLStyle reach
+    // Subversion as its merge options. Conflicts are postponed: they show in
+    // the notifications and in the status afterwards. Subversion's
+    // notifications (with their merge ranges) reach the context's handler
+    // chain, framed by LuSVNNotifyActionMergeStarted and ...Succeeded or
+    // ...Failed for the working-copy path; the delegate may cancel between
+    // them. A Subversion error raises its LuSVNException; a null argument
+    // raises "Invalid parameter not satisfying: <name> != nil".
+
+    /// A revision of a merge source or target.
+    using MergeRevision = std::shared_ptr<const LuSVNRevision>;
+    /// The revision ranges of a merge, in the order they are merged.
+    using MergeRanges = std::vector<std::shared_ptr<const LuSVNRevisionRange>>;
+
+    /// Applies the differences between path1 at revision1 and path2 at
+    /// revision2 (URLs or working-copy paths) to the working copy.
+    static void mergeNodeAtPath(const Path& path1, const MergeRevision& revision1, const Path& path2,
+                                const MergeRevision& revision2, const LocalPath& workingCopyPath,
+                                const LuSVNMergeOptions& options, const Context& context);
+    /// Applies the changes of the ranges of the path's history at the peg
+    /// revision (a range's first bound exclusive: { 4 - 7 } merges r5 to
+    /// r7; { 7 - 4 } reverts them). Backends before 1.5 take one range
+    /// only: more raise LuSVNInvalidArgumentException "1.4 only supports a
+    /// single revision range", none "Invalid parameter not satisfying:
+    /// [revisionRanges count] == 1".
+    static void mergeNodeAtPath(const Path& path, const MergeRanges& revisionRanges, const MergeRevision& pegRevision,
+                                const LocalPath& workingCopyPath, const LuSVNMergeOptions& options,
+                                const Context& context);
+    /// Merges a branch back into the working copy of the line it was made
+    /// from (svn merge --reintegrate). Raises LuSVNInvalidArgumentException
+    /// before anything is touched: "Reintegration merge requires 1.5 or
+    /// newer", "Invalid force option: Reintegration merges can't be
+    /// forced", "Invalid recordOnly option: Reintegration merges can't
+    /// record-only", "Invalid depth: must be LuSVNDepthInfinity or
+    /// LuSVNDepthUnknown".
+    static void reintegrateMergeNodeAtPath(const Path& path, const MergeRevision& revision,
+                                           const LocalPath& workingCopyPath, const LuSVNMergeOptions& options,
+                                           const Context& context);
+    /// The URLs Subversion suggests merging into the path at the peg
+    /// revision: the source of its copy and the sources of its merge info.
+    /// Empty on backends before 1.5, which keep no merge info.
+    static std::vector<URLPath> suggestMergeSourcesForNodeAtPath(const Path& path, const MergeRevision& pegRevision,
+                                                                 const Context& context);
+    /// The log of the revisions of mergeSourcePath that are merged into the
+    /// path, or (includingRevisions true) still eligible for merging into
+    /// it, oldest first, as the receiver made for the delegate collects
+    /// them; a delegate answering false stops the log
+    /// (LuSVNOperationCancelledException). Backends before 1.5 raise
+    /// LuSVNInvalidArgumentException "Reading log for merge requires 1.5 or
+    /// newer".
+    static std::vector<std::shared_ptr<LuSVNLogItem>> readLogForNodeAtPath(
+        const Path& path, const MergeRevision& pegRevision, const Path& mergeSourcePath,
+        const MergeRevision& mergeSourcePegRevision, bool includingRevisions,
+        const std::shared_ptr<LuSVNLogMessageReceiverDelegate>& delegate, bool discoverChangedPaths,
+        const Context& context);
 
 protected:
     LuSVNNode() = default;

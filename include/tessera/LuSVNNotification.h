@@ -27,6 +27,7 @@
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNLock.h>
 #include <tessera/LuSVNRevision.h>
+#include <tessera/LuSVNRevisionRange.h>
 #include <tessera/LuSVNURL.h>
 
 /// The action of a notification: Subversion's notify actions, then the
@@ -126,6 +127,10 @@ enum LuSVNNotifyAction : std::int32_t {
     LuSVNNotifyActionSwitchStarted = 65558,
     LuSVNNotifyActionSwitchSucceeded = 65559,
     LuSVNNotifyActionSwitchFailed = 65560,
+    /// Tessera's own frame of a merge, for the working-copy path.
+    LuSVNNotifyActionMergeStarted = 65561,
+    LuSVNNotifyActionMergeSucceeded = 65562,
+    LuSVNNotifyActionMergeFailed = 65563,
 };
 
 /// The name of an action code: "LuSVNNotifyAction" and the word of the code
@@ -174,6 +179,13 @@ public:
     void setLockState(std::int32_t lockState) { lockState_ = lockState; }
     const std::optional<std::string>& propertyName() const { return propertyName_; }
     void setPropertyName(std::optional<std::string> propertyName) { propertyName_ = std::move(propertyName); }
+    /// The revisions a merge notification is about (backends 1.5 and
+    /// later), as Subversion gives them: the first bound exclusive, "r5
+    /// through r7" is { 4 - 7 }, a reverse merge runs backwards. Not
+    /// archived and not in the description.
+    const std::shared_ptr<const LuSVNRevisionRange>& mergeRange() const { return mergeRange_; }
+    /// See mergeRange().
+    void setMergeRange(std::shared_ptr<const LuSVNRevisionRange> mergeRange) { mergeRange_ = std::move(mergeRange); }
 
     /// "{ <LuSVNNotification: 0x...>, action: <name>, contentState: <n>,
     /// error: <reason>, lock: <description>, lockState: <n>, nodeKind: <n>,
@@ -203,4 +215,5 @@ private:
     std::int32_t propertyState_ = 1;
     std::int32_t lockState_ = 1;
     std::optional<std::string> propertyName_;
+    std::shared_ptr<const LuSVNRevisionRange> mergeRange_;
 };

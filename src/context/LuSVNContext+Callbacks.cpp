@@ -30,6 +30,11 @@ LuSVNNotification notificationWithSVNNotify(const svn_wc_notify_t& notify,
     notification.setPath(LuSVNOptionalString(notify.path));
     notification.setPropertyState(notify.prop_state);
     notification.setRevision(static_cast<std::int32_t>(notify.revision));
+    if (bundleVersion && *bundleVersion >= LuSVNVersion::version1_5() && notify.merge_range)
+        notification.setMergeRange(LuSVNRevisionRange::from(LuSVNRevision::revisionWithNumber(
+                                                                static_cast<std::int32_t>(notify.merge_range->start)),
+                                                            LuSVNRevision::revisionWithNumber(
+                                                                static_cast<std::int32_t>(notify.merge_range->end))));
     if (bundleVersion && *bundleVersion >= LuSVNVersion::version1_6()) {
         if (notify.url)
             notification.setURL(LuSVNURL::URLWithString(notify.url));

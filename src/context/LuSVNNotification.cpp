@@ -25,11 +25,12 @@ constexpr std::array<std::string_view, 69> subversionActionWords = {
 // The library's own actions from 65536 on; the empty words are the codes
 // left unused.
 constexpr std::int32_t firstOwnAction = LuSVNNotifyActionLegacyUpdateStarted;
-constexpr std::array<std::string_view, 25> ownActionWords = {
+constexpr std::array<std::string_view, 28> ownActionWords = {
     "LegacyUpdateStarted", "UpdateSucceeded", "UpdateFailed", "CommitStarted", "CommitSucceeded", "CommitFailed",
     "CheckOutStarted", "CheckOutSucceeded", "CheckOutFailed", "ImportStarted", "ImportSucceeded", "ImportFailed",
     "ExportStarted", "ExportSucceeded", "ExportFailed", "InternalExportStarted", "", "", "", "RelocateStarted",
-    "RelocateSucceeded", "RelocateFailed", "SwitchStarted", "SwitchSucceeded", "SwitchFailed"};
+    "RelocateSucceeded", "RelocateFailed", "SwitchStarted", "SwitchSucceeded", "SwitchFailed",
+    "MergeStarted", "MergeSucceeded", "MergeFailed"};
 
 std::string_view actionWord(std::int32_t action)
 {

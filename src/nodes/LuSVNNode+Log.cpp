@@ -8,6 +8,7 @@
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
+#include "LuSVNLogItemMaker.h"
 #include "LuSVNTrace.h"
 
 namespace {
@@ -22,9 +23,11 @@ std::optional<std::string> optionalText(const char* text)
     return text ? std::optional<std::string>(text) : std::nullopt;
 }
 
-// Copies everything of the record at once: the pool goes when the callback returns.
-std::shared_ptr<LuSVNLogItem> LuSVNCreateLogItem(apr_hash_t* changedPaths, svn_revnum_t revision, const char* author,
-                                                 const char* date, const char* message, apr_pool_t* pool)
+}  // namespace
+
+std::shared_ptr<LuSVNLogItem> tessera_private::LuSVNCreateLogItem(apr_hash_t* changedPaths, svn_revnum_t revision,
+                                                                  const char* author, const char* date,
+                                                                  const char* message, apr_pool_t* pool)
 {
     auto item = std::make_shared<LuSVNLogItem>(optionalText(message), static_cast<std::int32_t>(revision),
                                                date ? LuSVNDateConversion::dateWithISO8601CString(date, pool)
@@ -45,13 +48,16 @@ std::shared_ptr<LuSVNLogItem> LuSVNCreateLogItem(apr_hash_t* changedPaths, svn_r
     return item;
 }
 
+namespace {
+
 svn_error_t* LuSVNLogMessageReceiverCallbackFunction(void* baton, apr_hash_t* changedPaths, svn_revnum_t revision,
                                                      const char* author, const char* date, const char* message,
                                                      apr_pool_t* pool)
 {
     auto* logBaton = static_cast<LogBaton*>(baton);
     return LuSVNGuardCallback(logBaton->pending, [&]() -> svn_error_t* {
-        if (!logBaton->receiver.receiveLogItem(LuSVNCreateLogItem(changedPaths, revision, author, date, message, pool)))
+        if (!logBaton->receiver.receiveLogItem(
+                tessera_private::LuSVNCreateLogItem(changedPaths, revision, author, date, message, pool)))
             return LuSVNCreateError(LuSVNCallbackAbortStatus(), "Operation was cancelled", __FILE__, __LINE__);
         return nullptr;
     });

@@ -19,6 +19,7 @@ struct Step {
     std::int32_t revision = LuSVNInvalidRevision;
     std::int32_t nodeKind = 1;
     std::int32_t lockState = 1;
+    std::shared_ptr<const LuSVNRevisionRange> mergeRange = nullptr;
 };
 
 // The handler's context argument; the printer does not look at it.
@@ -49,6 +50,7 @@ std::string printed(const std::vector<Step>& steps, bool checkout = false, bool 
         n.setRevision(step.revision);
         n.setNodeKind(step.nodeKind);
         n.setLockState(step.lockState);
+        n.setMergeRange(step.mergeRange);
         notifier.contextNotify(anyContext(), n);
     }
     notifier.printConflictSummary();
@@ -172,6 +174,36 @@ TEST(TesseraNotifier, DisplayPaths)
     };
     for (const auto& [prefix, path, expected] : cases)
         EXPECT_EQ(TesseraNotifier::displayPath(prefix, path), expected) << prefix << " " << path;
+}
+
+// Subversion's merge ranges exclude their first revision; svn names the
+// revisions merged, or reversed when the range runs backwards.
+TEST(TesseraNotifier, MergeHeadingsNameTheRevisionsMerged)
+{
+    const auto merge = [](std::int32_t action, std::int32_t start, std::int32_t end) {
+        return Step{action, "/wc/sub", 1, 1, LuSVNInvalidRevision, 2, 1,
+                    start < 0 ? nullptr
+                              : LuSVNRevisionRange::from(LuSVNRevision::revisionWithNumber(start),
+                                                         LuSVNRevision::revisionWithNumber(end))};
+    };
+    const std::pair<Step, std::string> cases[] = {
+        {merge(LuSVNNotifyActionMergeBegin, 4, 5), "--- Merging r5 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeBegin, 5, 5), "--- Merging r5 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeBegin, 4, 7), "--- Merging r5 through r7 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeBegin, 6, 5), "--- Reverse-merging r6 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeBegin, 7, 4), "--- Reverse-merging r7 through r5 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeBegin, -1, -1), "--- Merging differences between repository URLs into '.':\n"},
+        {merge(LuSVNNotifyActionForeignMergeBegin, 4, 7),
+         "--- Merging (from foreign repository) r5 through r7 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeRecordInfoBegin, 4, 5), "--- Recording mergeinfo for merge of r5 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeRecordInfoBegin, 7, 4),
+         "--- Recording mergeinfo for reverse merge of r7 through r5 into '.':\n"},
+        {merge(LuSVNNotifyActionMergeRecordInfoBegin, -1, -1),
+         "--- Recording mergeinfo for merge between repository URLs into '.':\n"},
+        {merge(LuSVNNotifyActionMergeElideInfo, -1, -1), "--- Eliding mergeinfo from '.':\n"},
+    };
+    for (const auto& [step, expected] : cases)
+        EXPECT_EQ(printed({step}), expected) << LuSVNStringFromNotificationAction(step.action);
 }
 
 }  // namespace

@@ -37,6 +37,26 @@ constexpr std::int32_t NodeKindFile = 1;
 // svn's code for an external that could not be handled.
 constexpr int ExternalsError = 205011;
 
+// What a merge notification's heading says of its revisions, as svn words
+// it: Subversion's range excludes its first bound, "r5 through r7" is 4:7,
+// and 7:4 reverses r7 through r5; without a range the merge was between two
+// repository URLs.
+std::string mergeHeading(const LuSVNRevisionRange* range, const std::string& forward, const std::string& reverse,
+                         const std::string& withoutRange)
+{
+    if (!range)
+        return withoutRange + " repository URLs";
+    const std::int32_t start = range->firstNumber(), end = range->lastNumber();
+    const auto r = [](std::int32_t number) { return "r" + std::to_string(number); };
+    if (start == end - 1 || start == end)
+        return forward + " " + r(end);
+    if (start - 1 == end)
+        return reverse + " " + r(start);
+    if (start < end)
+        return forward + " " + r(start + 1) + " through " + r(end);
+    return reverse + " " + r(start) + " through " + r(end + 1);
+}
+
 }  // namespace
 
 TesseraNotifier::TesseraNotifier() : TesseraNotifier(std::filesystem::current_path().string(), stdout) {}
@@ -327,6 +347,25 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     case LuSVNNotifyActionUpdateShadowedDelete:
         receivedSomeChange_ = true;
         print("   D " + path + "\n");
+        break;
+    case LuSVNNotifyActionMergeBegin:
+    case LuSVNNotifyActionForeignMergeBegin:
+        if (n.action() == LuSVNNotifyActionMergeBegin)
+            print("--- " + mergeHeading(n.mergeRange().get(), "Merging", "Reverse-merging", "Merging differences between") +
+                  " into '" + path + "':\n");
+        else
+            print("--- " + mergeHeading(n.mergeRange().get(), "Merging (from foreign repository)",
+                                       "Reverse-merging (from foreign repository)",
+                                       "Merging (from foreign repository) differences between foreign") +
+                  " into '" + path + "':\n");
+        break;
+    case LuSVNNotifyActionMergeRecordInfoBegin:
+        print("--- " + mergeHeading(n.mergeRange().get(), "Recording mergeinfo for merge of",
+                                   "Recording mergeinfo for reverse merge of", "Recording mergeinfo for merge between") +
+              " into '" + path + "':\n");
+        break;
+    case LuSVNNotifyActionMergeElideInfo:
+        print("--- Eliding mergeinfo from '" + path + "':\n");
         break;
     case LuSVNNotifyActionUpgradedPath:
         print("Upgraded '" + path + "'\n");

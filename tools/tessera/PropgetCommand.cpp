@@ -39,7 +39,7 @@ bool printTarget(const Settings& settings, const std::string& name, const std::s
     const bool url = isURL(pathText);
     const std::string absolute = url ? pathText : absoluteTargetPath(pathText);
     TesseraOperation operation(absolute, {true, false});
-    LuSVNNode::Path path = url ? commandLineURL(pathText) : targetPath(pathText);
+    LuSVNNode::Path path = url ? LuSVNNode::Path(commandLineURL(pathText)) : LuSVNNode::Path(targetPath(pathText));
     const auto operative = settings.revision ? settings.revision->operativeRevision()
                                              : (peg ? peg->keyRevision() : LuSVNRevision::UNSPECIFIED());
     std::vector<std::pair<std::string, LuSVNPropertyValue>> values;

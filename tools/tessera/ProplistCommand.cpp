@@ -37,7 +37,7 @@ void listTarget(const Settings& settings, const std::string& target, bool recurs
     const bool url = isURL(pathText);
     const std::string absolute = url ? pathText : absoluteTargetPath(pathText);
     TesseraOperation operation(absolute, {true, false});
-    LuSVNNode::Path path = url ? commandLineURL(pathText) : targetPath(pathText);
+    LuSVNNode::Path path = url ? LuSVNNode::Path(commandLineURL(pathText)) : LuSVNNode::Path(targetPath(pathText));
     const auto pegRevision = peg ? peg->keyRevision() : LuSVNRevision::UNSPECIFIED();
     const auto operative = settings.revision ? settings.revision->operativeRevision() : pegRevision;
     std::string out;
