@@ -83,3 +83,18 @@ on_terminal "$tessera" update $config "$work/working-copy" | tail -n 8
 echo
 echo "== the first working copy after its update: tessera status -u"
 "$tessera" status $config -u "$work/working-copy"
+echo
+echo "== the repository read back: tessera info, list and cat of the change"
+"$tessera" info $config "$url/trunk/new.txt"
+"$tessera" list $config -v "$url/trunk" | tail -n 4
+"$tessera" cat $config "$url/trunk/modified.txt" | tail -n 1
+echo
+echo "== a property, a lock and a branch"
+"$tessera" propset $config demo:reviewed yes "$work/demo/modified.txt"
+"$tessera" commit $config -q -m "'Reviewed'" "$work/demo"
+"$tessera" proplist $config -v "$work/demo/modified.txt"
+"$tessera" lock $config -m "'Held by the demo'" "$work/demo/modified.txt"
+"$tessera" status $config -u "$work/demo"
+"$tessera" unlock $config "$work/demo/modified.txt"
+"$tessera" copy $config -m "'A branch'" "$url/trunk" "$url/demo-branch"
+"$tessera" log $config -q -l 3 "$url"
