@@ -126,7 +126,7 @@ tessera: E205000: Too many arguments given" backends extra
 "$tessera" help >"$work/help" || fail "help: exit status"
 [ "$("$tessera" --help)" = "$(cat "$work/help")" ] || fail "--help is not help"
 commands="$(sed -n 's/^   \([a-z]*\).*/\1/p' "$work/help")"
-[ "$(echo $commands)" = "add backends blame changelist checkout cleanup commit diff help log mkrepo relocate resolve resolved revert status switch update upgrade wc" ] || fail "help lists: $(echo $commands)"
+[ "$(echo $commands)" = "add backends blame changelist checkout cleanup commit diff help log mkrepo propdel propedit propget proplist propset relocate resolve resolved revert status switch update upgrade wc" ] || fail "help lists: $(echo $commands)"
 for command in $commands; do
   out="$("$tessera" help "$command")" || fail "help $command: exit status"
   echo "$out" | head -1 | grep -q "^$command\( ([^)]*)\)\?: [A-Z]" || fail "help $command: $(echo "$out" | head -1)"
