@@ -37,12 +37,14 @@ TEST(LuSVNNotification, NamesFollowSubversionsActionsAndTheLibrarysOwn)
         {65551, "InternalExportStarted"},
         {65555, "RelocateStarted"},
         {65560, "SwitchFailed"},
+        {65561, "MergeStarted"},
+        {65563, "MergeFailed"},
     };
     for (const auto& [action, word] : rows)
         EXPECT_EQ(LuSVNStringFromNotificationAction(action), "LuSVNNotifyAction" + word) << action;
 
     // Later releases' actions, the unused gap and everything around the tables.
-    for (const std::int32_t action : {svn_wc_notify_skip_conflicted + 1, 65552, 65553, 65554, 65561, -2, 65535})
+    for (const std::int32_t action : {svn_wc_notify_skip_conflicted + 1, 65552, 65553, 65554, 65564, -2, 65535})
         EXPECT_EQ(LuSVNStringFromNotificationAction(action), "<unknown> (" + std::to_string(action) + ")");
 }
 

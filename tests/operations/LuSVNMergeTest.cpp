@@ -4,12 +4,14 @@
 // merge options handed to Subversion.
 #include <tessera/LuSVNLogMessageReceiver.h>
 #include <tessera/LuSVNMergeOptions.h>
+#include <tessera/LuSVNRevertOptions.h>
 #include <tessera/LuSVNRevisionRange.h>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
 
 #include "LuSVNBackendFrame.h"
 #include "LuSVNMergeOptionsArray.h"
@@ -257,6 +259,27 @@ TEST_F(Merging, SuggestionsAndTheMergeLogAgreeWithSvn)
         ASSERT_EQ(items.size(), 1U);
         EXPECT_EQ(items.front()->message(), eligible ? "a4\n" : "a3\n");
     }
+}
+
+TEST_F(Merging, MergeStoppedByAHandlerIsRepairedAndReverted)
+{
+    const auto context = contextFor(nullptr);
+    auto recorder = std::make_shared<Recorder>();
+    recorder->onNotify = [](const LuSVNNotification& notification) {
+        if (notification.action() == LuSVNNotifyActionUpdateUpdate)
+            throw std::out_of_range("handler gave up");
+    };
+    context->setNotificationHandler(recorder);
+    EXPECT_THROW(LuSVNNode::mergeNodeAtPath(url(trunk), {range(2, 4)}, LuSVNRevision::HEAD(), local(wc),
+                                            LuSVNMergeOptions(), context),
+                 std::out_of_range);
+    EXPECT_EQ(recorder->count(LuSVNNotifyActionMergeFailed), 1U);
+    EXPECT_EQ(recorder->count(LuSVNNotifyActionMergeSucceeded), 0U);
+    recorder->onNotify = nullptr;
+    LuSVNDirectory::cleanUpWorkingCopyAtPath(local(wc), context);
+    LuSVNNode::revertNodes({local(wc)}, LuSVNRevertOptions(), context);
+    EXPECT_EQ(svnStatus(wc), "");
+    EXPECT_EQ(contents(wc + "/a.txt"), "a\n");
 }
 
 }  // namespace
