@@ -72,9 +72,7 @@ const TesseraCommand catCommand(
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
         addRevisionOption(command, [settings](auto revision) { settings->revision = std::move(revision); });
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addArguments(command, settings->arguments);
         return [settings, &command] { return cat(command, *settings); };
     });

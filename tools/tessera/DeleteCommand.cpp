@@ -113,9 +113,7 @@ const TesseraCommand deleteCommand(
         auto settings = std::make_shared<Settings>();
         addFlag(command, "--force", settings->force, "force operation to run");
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "--keep-local", settings->keepLocal, "keep path in working copy");
         addLogMessageOptions(command, settings->logMessage);
         addArguments(command, settings->arguments);

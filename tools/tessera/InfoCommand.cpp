@@ -387,9 +387,7 @@ const TesseraCommand infoCommand(
         addRevisionOption(command, [settings](auto revision) { settings->revision = std::move(revision); });
         addFlag(command, "-R,--recursive", settings->recursive, "descend recursively, same as --depth=infinity");
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
         addFlag(command, "--xml", settings->xml, "output in XML");
         addOption(

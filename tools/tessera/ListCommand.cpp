@@ -188,9 +188,7 @@ const TesseraCommand listCommand(
         addDepthOption(command, [settings](const std::string& word) { settings->depth = word; });
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
         addFlag(command, "--xml", settings->xml, "output in XML");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addArguments(command, settings->arguments);
         return [settings, &command] { return list(command, *settings); };
     });

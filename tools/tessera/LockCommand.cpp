@@ -75,9 +75,7 @@ const TesseraCommand lockCommand(
      "Use --force to steal a lock from another user or working copy."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addOption(
             command, "-m,--message", [settings](const std::string& text) { settings->message = text; },
             "specify lock comment ARG");

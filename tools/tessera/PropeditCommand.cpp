@@ -107,9 +107,7 @@ const TesseraCommand propeditCommand(
             "use ARG as external editor");
         addFlag(command, "--force", settings->force, "force operation to run");
         addFlag(command, "--revprop", settings->revprop, "operate on a revision property (use with -r)");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addArguments(command, settings->arguments);
         return [&command, settings] { return propedit(command, *settings); };
     });

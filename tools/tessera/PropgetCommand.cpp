@@ -142,9 +142,7 @@ const TesseraCommand propgetCommand(
         addFlag(command, "--revprop", settings->revprop, "operate on a revision property (use with -r)");
         addFlag(command, "--xml", settings->xml, "output in XML");
         addFlag(command, "--no-newline,--strict", settings->noNewline, "don't print an extra newline");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addArguments(command, settings->arguments);
         return [&command, settings] { return propget(command, *settings); };
     });

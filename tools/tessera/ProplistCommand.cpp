@@ -105,9 +105,7 @@ const TesseraCommand proplistCommand(
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
         addFlag(command, "--revprop", settings->revprop, "operate on a revision property (use with -r)");
         addFlag(command, "--xml", settings->xml, "output in XML");
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addArguments(command, settings->arguments);
         return [settings] { return proplist(*settings); };
     });

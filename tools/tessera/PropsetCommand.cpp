@@ -84,9 +84,7 @@ void addCommonOptions(CLI::App& command, Settings& settings)
     addFlag(command, "-R,--recursive", settings.recursive, "descend recursively, same as --depth=infinity");
     addDepthOption(command, [&settings](const std::string& word) { settings.depth = word; });
     addFlag(command, "--revprop", settings.revprop, "operate on a revision property (use with -r)");
-    addOption(
-        command, "--targets", [&settings](const std::string& file) { settings.targetsFile = file; },
-        "pass contents of file ARG as additional args");
+    addTargetsOption(command, settings.targetsFile);
     addArguments(command, settings.arguments);
 }
 

@@ -37,9 +37,7 @@ const TesseraCommand unlockCommand(
      "Use --force to break a lock held by another user or working copy."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
-        addOption(
-            command, "--targets", [settings](const std::string& file) { settings->targetsFile = file; },
-            "pass contents of file ARG as additional args");
+        addTargetsOption(command, settings->targetsFile);
         addFlag(command, "--force", settings->force, "break locks");
         addFlag(command, "-q,--quiet", settings->quiet, "print nothing, or only summary information");
         addArguments(command, settings->arguments);
