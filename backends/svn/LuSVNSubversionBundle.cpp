@@ -9,10 +9,12 @@
 #include <tessera/LuSVNBundle.h>
 
 #include "LuSVNEntryPointList.h"
+#include "LuSVNExtensionEntryPointList.h"
 #include "LuSVNSubversion.h"
 
 #include <apr_general.h>
 
+#include <array>
 #include <sstream>
 
 #if !defined(TESSERA_BACKEND_SVN_MAJOR) || !defined(TESSERA_BACKEND_SVN_MINOR)
@@ -27,16 +29,30 @@ constexpr bool LuSVNDeclaredReleaseHas(int sinceMajor, int sinceMinor)
            (sinceMajor == TESSERA_BACKEND_SVN_MAJOR && sinceMinor <= TESSERA_BACKEND_SVN_MINOR);
 }
 
+// Fills a slot of `slots` when the declared release has its function.
+#define LUSVN_FILL_SLOT(slots, slot, function, sinceMajor, sinceMinor)          \
+    if constexpr (LuSVNDeclaredReleaseHas(sinceMajor, sinceMinor)) {            \
+        slots[slot] = reinterpret_cast<LuSVNEntryPoint>(&::function);           \
+    }
+
 LuSVNBundleEntryPoints LuSVNMakeEntryPoints()
 {
     LuSVNBundleEntryPoints table{};
-#define LUSVN_FILL_SLOT(slot, function, sinceMajor, sinceMinor)                 \
-    if constexpr (LuSVNDeclaredReleaseHas(sinceMajor, sinceMinor)) {            \
-        table.slots[slot] = reinterpret_cast<LuSVNEntryPoint>(&::function);     \
-    }
-    LUSVN_ENTRY_POINT_LIST(LUSVN_FILL_SLOT)
-#undef LUSVN_FILL_SLOT
+#define LUSVN_FILL_MAIN_SLOT(slot, function, sinceMajor, sinceMinor) \
+    LUSVN_FILL_SLOT(table.slots, slot, function, sinceMajor, sinceMinor)
+    LUSVN_ENTRY_POINT_LIST(LUSVN_FILL_MAIN_SLOT)
+#undef LUSVN_FILL_MAIN_SLOT
     return table;
+}
+
+std::array<LuSVNEntryPoint, LUSVN_EXTENSION_ENTRY_POINT_COUNT> LuSVNMakeExtensionEntryPoints()
+{
+    std::array<LuSVNEntryPoint, LUSVN_EXTENSION_ENTRY_POINT_COUNT> slots{};
+#define LUSVN_FILL_EXTENSION_SLOT(slot, function, sinceMajor, sinceMinor) \
+    LUSVN_FILL_SLOT(slots, slot, function, sinceMajor, sinceMinor)
+    LUSVN_EXTENSION_ENTRY_POINT_LIST(LUSVN_FILL_EXTENSION_SLOT)
+#undef LUSVN_FILL_EXTENSION_SLOT
+    return slots;
 }
 
 class LuSVNSubversionBundle final : public LuSVNBundle {
@@ -77,4 +93,11 @@ extern "C" __attribute__((visibility("default"))) LuSVNBundle* LuSVNBundleCreate
         return new LuSVNSubversionBundle;
     }();
     return principal;
+}
+
+extern "C" __attribute__((visibility("default"))) const LuSVNBundleExtensionEntryPoints* LuSVNBundleExtensionTable(void)
+{
+    static const std::array<LuSVNEntryPoint, LUSVN_EXTENSION_ENTRY_POINT_COUNT> slots = LuSVNMakeExtensionEntryPoints();
+    static const LuSVNBundleExtensionEntryPoints table{slots.size(), slots.data()};
+    return &table;
 }

@@ -43,3 +43,12 @@ public:
 extern "C" {
 typedef LuSVNBundle* (*LuSVNBundleFactory)(void);
 }
+
+/// Name of the optional function that hands over the extension table
+/// (LuSVNBundleExtensionEntryPoints); backends of older releases lack it.
+#define LUSVN_BUNDLE_EXTENSIONS_NAME "LuSVNBundleExtensionTable"
+
+/// Signature of that function.
+extern "C" {
+typedef const LuSVNBundleExtensionEntryPoints* (*LuSVNBundleExtensionsFunction)(void);
+}

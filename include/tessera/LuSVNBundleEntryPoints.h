@@ -24,3 +24,16 @@ inline constexpr std::size_t LuSVNEntryPointCount = 127;
 struct LuSVNBundleEntryPoints {
     LuSVNEntryPoint slots[LuSVNEntryPointCount];
 };
+
+/// The second, growable table: functions of newer Subversion releases that
+/// the fixed table has no slot for (the merge-history log and blame, diff
+/// summaries and git-style diffs, the tree-conflict resolver). A backend hands
+/// it over through the optional function LUSVN_BUNDLE_EXTENSIONS_NAME; a
+/// backend without that function has none of these. The numbering is as
+/// fixed as the main table's, and a slot past `count` reads as null.
+struct LuSVNBundleExtensionEntryPoints {
+    /// Number of slots the backend's build knew of.
+    std::size_t count;
+    /// The slots themselves, `count` of them; null where the release lacks the function.
+    const LuSVNEntryPoint* slots;
+};

@@ -23,6 +23,8 @@ public:
     LuSVNBundle* bundleObject();
 
     const LuSVNBundleEntryPoints* entryPoints() { return bundleObject()->entryPoints(); }
+    /// The backend's extension table, or null when it has none.
+    const LuSVNBundleExtensionEntryPoints* extensionEntryPoints();
     std::string defaultGlobalIgnoreString() { return bundleObject()->defaultGlobalIgnoreString(); }
     std::vector<std::string> defaultGlobalIgnoreList() { return bundleObject()->defaultGlobalIgnoreList(); }
 
@@ -36,4 +38,6 @@ private:
     std::recursive_mutex lock_;
     // Read without the lock once set: entry points are looked up on every call.
     std::atomic<LuSVNBundle*> bundleObject_{nullptr};
+    // Set before bundleObject_ is published, so readable once that is.
+    const LuSVNBundleExtensionEntryPoints* extensions_ = nullptr;
 };

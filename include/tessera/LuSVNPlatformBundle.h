@@ -57,6 +57,10 @@ public:
     /// loaded or lacks the factory.
     LuSVNBundle* principalObject();
 
+    /// The shared object's extension table, or null when it has none; loads
+    /// the shared object as principalObject() does.
+    const LuSVNBundleExtensionEntryPoints* extensionEntryPoints();
+
 private:
     LuSVNPlatformBundle(std::string path, LuSVNInfoDictionary info);
 
@@ -64,4 +68,5 @@ private:
     LuSVNInfoDictionary info_;
     std::mutex lock_;
     LuSVNBundle* principal_ = nullptr;
+    const LuSVNBundleExtensionEntryPoints* extensions_ = nullptr;
 };

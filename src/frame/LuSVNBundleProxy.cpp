@@ -12,9 +12,18 @@ LuSVNBundle* LuSVNBundleProxy::bundleObject()
     if (LuSVNBundle* object = bundleObject_.load(std::memory_order_acquire))
         return object;
     std::lock_guard<std::recursive_mutex> guard(lock_);
-    if (!bundleObject_.load(std::memory_order_relaxed))
-        bundleObject_.store(bundle_->principalObject(), std::memory_order_release);
+    if (!bundleObject_.load(std::memory_order_relaxed)) {
+        LuSVNBundle* object = bundle_->principalObject();
+        extensions_ = bundle_->extensionEntryPoints();
+        bundleObject_.store(object, std::memory_order_release);
+    }
     return bundleObject_.load(std::memory_order_relaxed);
+}
+
+const LuSVNBundleExtensionEntryPoints* LuSVNBundleProxy::extensionEntryPoints()
+{
+    bundleObject();
+    return extensions_;
 }
 
 std::string LuSVNBundleProxy::description() const

@@ -121,6 +121,16 @@ LuSVNBundle* LuSVNPlatformBundle::principalObject()
     LuSVNBundle* object = factory();
     if (!object)
         failToLoad(path_, std::string(LUSVN_BUNDLE_FACTORY_NAME) + " returned no object");
+    if (auto extensions =
+            reinterpret_cast<LuSVNBundleExtensionsFunction>(dlsym(handle, LUSVN_BUNDLE_EXTENSIONS_NAME)))
+        extensions_ = extensions();
     principal_ = object;
     return principal_;
+}
+
+const LuSVNBundleExtensionEntryPoints* LuSVNPlatformBundle::extensionEntryPoints()
+{
+    principalObject();
+    std::lock_guard<std::mutex> guard(lock_);
+    return extensions_;
 }

@@ -5,6 +5,7 @@
 #include <tessera/LuSVNBundle.h>
 
 #include "LuSVNEntryPointList.h"
+#include "LuSVNExtensionEntryPointList.h"
 #include "LuSVNSubversion.h"
 #include "TesseraTestBundles.h"
 
@@ -37,6 +38,7 @@ struct ListedSlot {
 #define LUSVN_TEST_SYMBOL(function) LUSVN_TEST_STRINGIZE(function)
 #define LUSVN_TEST_LISTED_SLOT(slot, function, major, minor) {slot, LUSVN_TEST_SYMBOL(function), major, minor},
 const std::vector<ListedSlot> listedSlots = {LUSVN_ENTRY_POINT_LIST(LUSVN_TEST_LISTED_SLOT)};
+const std::vector<ListedSlot> listedExtensionSlots = {LUSVN_EXTENSION_ENTRY_POINT_LIST(LUSVN_TEST_LISTED_SLOT)};
 #undef LUSVN_TEST_LISTED_SLOT
 
 const std::set<int> unusedSlots = {74, 101};
@@ -55,6 +57,7 @@ struct Backend {
     LuSVNBundleFactory factory = nullptr;
     LuSVNBundle* principal = nullptr;
     const LuSVNBundleEntryPoints* table = nullptr;
+    const LuSVNBundleExtensionEntryPoints* extensions = nullptr;
 
     template <class Function>
     Function slot(int number) const
@@ -83,6 +86,8 @@ Backend loadBackend(const fs::path& bundle)
         return backend;
     }
     backend.table = backend.principal->entryPoints();
+    if (auto function = reinterpret_cast<LuSVNBundleExtensionsFunction>(dlsym(backend.handle, LUSVN_BUNDLE_EXTENSIONS_NAME)))
+        backend.extensions = function();
     return backend;
 }
 
@@ -205,6 +210,28 @@ TEST(BackendTable, EachBundleFillsExactlyTheSlotsOfItsDeclaredRelease)
         }
         for (int unused : unusedSlots) {
             EXPECT_EQ(backend.table->slots[unused], nullptr) << "slot " << unused;
+        }
+    }
+}
+
+// The extension table follows the same rule as the main one, and its slots
+// are the linked Subversion's own functions.
+TEST(BackendTable, ExtensionTableHoldsExactlyTheFunctionsOfTheDeclaredRelease)
+{
+    for (const DeclaredBundle& bundle : allBundles()) {
+        SCOPED_TRACE(bundle.path);
+        const Backend backend = loadBackend(bundle.path);
+        ASSERT_NE(backend.extensions, nullptr);
+        ASSERT_EQ(backend.extensions->count, listedExtensionSlots.size());
+        for (const ListedSlot& slot : listedExtensionSlots) {
+            SCOPED_TRACE(slot.symbol);
+            const LuSVNEntryPoint entry = backend.extensions->slots[slot.number];
+            if (!declaredReleaseHas(bundle, slot)) {
+                EXPECT_EQ(entry, nullptr);
+                continue;
+            }
+            EXPECT_EQ(entry, reinterpret_cast<LuSVNEntryPoint>(dlsym(backend.handle, slot.symbol)));
+            EXPECT_NE(entry, nullptr);
         }
     }
 }

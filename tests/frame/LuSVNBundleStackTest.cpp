@@ -175,9 +175,20 @@ TEST(BundleStack, MissingSlotRaisesNamingIt)
         }
         EXPECT_FALSE(tessera_private::LuSVNCurrentHasEntryPoint(70));
         EXPECT_TRUE(tessera_private::LuSVNCurrentHasEntryPoint(68));
-        // The same slot of the newest backend, pushed on top, is there.
+        // The extension table answers the same way.
+        try {
+            LuSVNExtensionEntry<1>();
+            ADD_FAILURE() << "extension slot 1 of a 1.4 backend returned";
+        } catch (const LuSVNInternalInconsistencyException& caught) {
+            EXPECT_NE(caught.reason().find("extension entry point 1 (svn_client_blame5)"), std::string::npos)
+                << caught.reason();
+        }
+        EXPECT_FALSE(tessera_private::LuSVNCurrentHasExtensionEntryPoint(0));
+        // The same slots of the newest backend, pushed on top, are there.
         LuSVNBundlePush(newestBefore);
         EXPECT_NO_THROW(LuSVNEntry<70>());
+        EXPECT_NO_THROW(LuSVNExtensionEntry<1>());
+        EXPECT_TRUE(tessera_private::LuSVNCurrentHasExtensionEntryPoint(15));
         LuSVNBundlePop();
         EXPECT_EQ(LuSVNBundleCurrent(), old);
     });
