@@ -13,6 +13,7 @@
 
 #include "LuSVNAssert.h"
 #include "LuSVNBackendFrame.h"
+#include "LuSVNPath+Internal.h"
 #include "LuSVNRecordLock.h"
 #include "LuSVNResolvedRevisions.h"
 #include "LuSVNTrace.h"
@@ -39,6 +40,8 @@ struct DirectoryBaton {
 
 struct ListBaton {
     const LuSVNNode::Path& target;
+    // The target as a URL, or null for a working-copy path.
+    std::shared_ptr<const LuSVNURL> targetURL;
     const LuSVNDirectory::ListHandler& handler;
     LuSVNDepth depth;
     std::exception_ptr pending;
@@ -80,8 +83,16 @@ static svn_error_t* LuSVNListFunc(void* baton, const char* path, const svn_diren
         // leaves out, and the subdirectories, which depth files leaves out.
         if (*path && (list->depth == LuSVNDepthEmpty || (directory && list->depth == LuSVNDepthFiles)))
             return nullptr;
-        const LuSVNNode::Path path_ = *path ? list->target->pathByNormalizingAndAddingComponent(path) : list->target;
-        const auto url = std::dynamic_pointer_cast<const LuSVNURL>(path_);
+        // A URL child extends the target's text without a new parse: a
+        // recursive listing makes one for every entry.
+        std::shared_ptr<const LuSVNURL> url;
+        LuSVNNode::Path path_ = list->target;
+        if (*path && list->targetURL)
+            path_ = url = list->targetURL->URLByAppendingEscapedRelativePath(LuSVNAddPercentEscapes(path));
+        else if (*path)
+            path_ = list->target->pathByNormalizingAndAddingComponent(path);
+        else
+            url = list->targetURL;
         std::optional<std::string> name = path_->denormalizedLastComponent();
         if (directory)
             list->handler(LuSVNDirectory::nodeWithName(std::move(name), path_, url, dirent, lock), path);
@@ -186,7 +197,7 @@ void LuSVNDirectory::listNodesAtPath(const Path& path, const Revision& revision,
         throw LuSVNGenericException("Invalid depth");
     LuSVNBackendFrame frame(context->bundle());
     const auto [peg, operative] = LuSVNResolvedRevisions(*path, *revision);
-    ListBaton baton{path, handler, depth, nullptr};
+    ListBaton baton{path, std::dynamic_pointer_cast<const LuSVNURL>(path), handler, depth, nullptr};
     const char* where = path->SVNRepresentationInPool(frame.pool());
     svn_error_t* error = LuSVNEntry<56>()(where, &peg, &operative, depth == LuSVNDepthInfinity || depth == LuSVNDepthUnknown,
                                           details ? SVN_DIRENT_ALL : SVN_DIRENT_KIND, fetchLocks, LuSVNListFunc, &baton, context->ctx(),

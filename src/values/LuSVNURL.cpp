@@ -343,6 +343,18 @@ LuSVNPath::Path LuSVNURL::parent() const
     const std::size_t lastSlash = url_.rfind('/');
     if (lastSlash + 1 == afterScheme)
         return nullptr;  // no path at all: "svn://host"
+    // Cutting the path short leaves the parts as they were, so the parent
+    // needs no new parse (a listing asks every entry for its parent),
+    // unless what is left might end in what the constructor trims (a slash,
+    // white space, which may be a non-ASCII character).
+    const bool pathEndsText = rawPathStart_ + rawPathLength_ == url_.size();
+    const char before = lastSlash > 0 ? url_[lastSlash - 1] : '/';
+    if (pathEndsText && lastSlash > rawPathStart_ && before > ' ' && before < 0x7f && before != '/') {
+        auto up = std::make_shared<LuSVNURL>(Made(), *this);
+        up->url_.resize(lastSlash);
+        up->rawPathLength_ = lastSlash - rawPathStart_;
+        return up;
+    }
     if (lastSlash != afterScheme)
         return URLWithString(url_.substr(0, lastSlash));
     return URLWithString(scheme() + ":///");  // "file:///x"

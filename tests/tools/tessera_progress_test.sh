@@ -22,19 +22,23 @@ $tmux new-session -d -x 160 -y 40 "sh"
 $tmux pipe-pane -o "cat >> $work/pane.raw"
 
 # Runs the command in the pane and waits for it to end; the screen after
-# it in $work/screen, the bytes it wrote in $work/written.
+# it in $work/screen, the bytes it wrote in $work/written. Each step's end
+# marker carries its number: on a busy machine the screen may still show the
+# previous step's marker when the next step starts.
+step=0
 in_pane() {
+  step=$((step + 1))
   : > "$work/pane.raw"
-  $tmux send-keys "cd $work && $1; echo END-\$?-OF-STEP" Enter
+  $tmux send-keys "cd $work && $1; echo END-$step-\$?-OF-STEP" Enter
   tries=0
-  until $tmux capture-pane -p | grep -q "^END-[0-9]*-OF-STEP"; do
+  until $tmux capture-pane -p | grep -q "^END-$step-[0-9]*-OF-STEP"; do
     tries=$((tries + 1))
     [ "$tries" -lt 300 ] || { fail "$1: did not end"; break; }
     sleep 0.1
   done
   # The pipe to pane.raw may lag behind the screen on a busy machine.
   tries=0
-  until grep -q "END-[0-9]*-OF-STEP" "$work/pane.raw"; do
+  until grep -q "END-$step-[0-9]*-OF-STEP" "$work/pane.raw"; do
     tries=$((tries + 1))
     [ "$tries" -lt 100 ] || { fail "$1: the pane's bytes never arrived"; break; }
     sleep 0.1
@@ -53,14 +57,14 @@ drawn() {
   in_pane "$1"
   grep -Eq "$line" "$work/written" || fail "$1: no progress line was drawn"
   ! grep -Eq "$line" "$work/screen" || fail "$1: the progress line stayed: $(grep -E "$line" "$work/screen")"
-  grep -q "^END-0-OF-STEP" "$work/screen" || fail "$1: failed: $(cat "$work/screen")"
+  grep -q "^END-$step-0-OF-STEP" "$work/screen" || fail "$1: failed: $(cat "$work/screen")"
 }
 
 # not_drawn COMMAND: no progress line at all.
 not_drawn() {
   in_pane "$1"
   ! grep -Eq "$line" "$work/written" || fail "$1: a progress line was drawn"
-  grep -q "^END-0-OF-STEP" "$work/screen" || fail "$1: failed: $(cat "$work/screen")"
+  grep -q "^END-$step-0-OF-STEP" "$work/screen" || fail "$1: failed: $(cat "$work/screen")"
 }
 
 mkdir -p "$work/import/dir"

@@ -143,6 +143,23 @@ TEST(LuSVNURLTest, Parents)
     };
     for (const auto& c : cases)
         EXPECT_EQ(text(url(c.text)->parent()), c.parent) << c.text;
+
+    // A parent cut from its child without a new parse has every part that a
+    // parse of its text gives, whatever ends the text that is left.
+    for (const char* child : {"svn://u@h:3690/r/a%20b/c", "http://[::1]:8080/x/y", "file:///r/a/b", "svn://h/a//b",
+                              "svn://h/a%20/b", "svn://h/a%C2%A0/b", "svn://h/a%2F/b"}) {
+        const auto parent = url(child)->parent();
+        ASSERT_NE(parent, nullptr) << child;
+        const auto parsed = LuSVNURL::URLWithString(parent->string());
+        EXPECT_EQ(parent->string(), parsed->string()) << child;
+        const auto cut = std::static_pointer_cast<const LuSVNURL>(parent);
+        EXPECT_EQ(cut->relativePath(), parsed->relativePath()) << child;
+        EXPECT_EQ(cut->lastComponent(), parsed->lastComponent()) << child;
+        EXPECT_EQ(cut->host(), parsed->host()) << child;
+        EXPECT_EQ(cut->user(), parsed->user()) << child;
+        EXPECT_EQ(cut->port(), parsed->port()) << child;
+        EXPECT_EQ(text(cut->parent()), text(parsed->parent())) << child;
+    }
 }
 
 TEST(LuSVNURLTest, DisplayFormsDecodeUTF8Escapes)
