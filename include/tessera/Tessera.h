@@ -25,6 +25,7 @@
 #include <tessera/LuSVNCommitOptions.h>
 #include <tessera/LuSVNConfiguration.h>
 #include <tessera/LuSVNConflict.h>
+#include <tessera/LuSVNConflictResolution.h>
 #include <tessera/LuSVNConflictVersion.h>
 #include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNContextPool.h>
