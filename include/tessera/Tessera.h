@@ -110,6 +110,7 @@
 #include <tessera/LuSVNStrings.h>
 #include <tessera/LuSVNSwitchOptions.h>
 #include <tessera/LuSVNTextTable.h>
+#include <tessera/LuSVNTreeConflictOptions.h>
 #include <tessera/LuSVNURL.h>
 #include <tessera/LuSVNUnlockOptions.h>
 #include <tessera/LuSVNUpdateOptions.h>
