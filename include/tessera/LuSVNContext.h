@@ -17,6 +17,9 @@
 //    message;
 //  - the progress handler hears the bytes moved and the items done
 //    (LuSVNProgress);
+//  - each conflict of a merge, update or switch goes to the conflict
+//    resolver (LuSVNConflictResolution.h): without resolver every conflict
+//    is postponed, left marked in the working copy;
 //  - between steps, the delegate is asked whether to go on
 //    (LuSVNContextDelegate::contextQueryContinue); answering false cancels
 //    the operation with LuSVNOperationCancelledException.
@@ -44,6 +47,7 @@
 #include <tessera/LuSVNAuthenticationStack.h>
 #include <tessera/LuSVNBundleProxy.h>
 #include <tessera/LuSVNConfiguration.h>
+#include <tessera/LuSVNConflictResolution.h>
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNLogMessageProvider.h>
 #include <tessera/LuSVNNotification.h>
@@ -266,6 +270,13 @@ public:
     /// items back to 0).
     void beginProgress();
 
+    /// Replaces the conflict resolver (empty: none, and Subversion postpones
+    /// every conflict, as an interactive host wants). Subversion asks it on
+    /// backends 1.5 and later; 1.4 has no conflict callback and postpones.
+    void setConflictResolver(LuSVNConflictResolver resolver);
+    /// The conflict resolver; empty when none is set.
+    LuSVNConflictResolver conflictResolver() const;
+
     /// Hands the notification to the notification handler, if any.
     void notify(const LuSVNNotification& notification);
 
@@ -288,6 +299,7 @@ private:
     void setupNotificationCallback();
     void setupCancellationCallback();
     void setupProgressCallback();
+    void setupConflictCallback();
     // The category's configuration, or null, with the backend pushed.
     svn_config_t* configurationOfCategory(const std::string& category) const;
 
@@ -305,6 +317,7 @@ private:
     std::shared_ptr<LuSVNLogMessageProvider> logMessageProvider_;
     std::shared_ptr<LuSVNNotificationHandler> notificationHandler_;
     ProgressHandler progressHandler_;
+    LuSVNConflictResolver conflictResolver_;
     // What the running operation has done so far; its thread alone uses it.
     LuSVNProgress progress_;
     std::optional<std::string> configurationDirectory_;

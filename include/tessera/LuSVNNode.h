@@ -57,6 +57,7 @@
 #include <tessera/LuSVNStandardProperties.h>
 #include <tessera/LuSVNStatus.h>
 #include <tessera/LuSVNStrings.h>
+#include <tessera/LuSVNTreeConflictOptions.h>
 #include <tessera/LuSVNURL.h>
 #include <tessera/LuSVNVersion.h>
 
@@ -591,6 +592,27 @@ public:
     /// Takes the paths out of whatever changelist they are in (1.5 and later).
     static void removeNodesFromChangelists(const std::vector<LocalPath>& nodePaths, LuSVNDepth depth,
                                            const Context& context);
+
+    // --- Tree conflicts (LuSVNNode+TreeConflicts), backends 1.10 and later ----------
+    //
+    //   auto offered = LuSVNNode::treeConflictOptionsForNodeAtPath(local("wc/f"), context);
+    //   LuSVNNode::resolveTreeConflictAtPath(local("wc/f"), offered.options[1].id, context);
+    //
+    // Subversion's own conflict resolution of 1.10, beyond resolveNodeAtPath:
+    // it looks in the repository for what the incoming change was (a move
+    // made in another working copy is found so) and offers the resolutions
+    // that fit, such as moving local edits to where the file went. Backends
+    // before 1.10 raise LuSVNUnsupportedFeatureException.
+
+    /// Subversion's description of the path's tree conflict and the options
+    /// it offers, found with a look in the repository. A path without tree
+    /// conflict raises LuSVNInvalidArgumentException "'<path>' has no tree
+    /// conflict".
+    static LuSVNTreeConflictOptions treeConflictOptionsForNodeAtPath(const LocalPath& path, const Context& context);
+    /// Resolves the path's tree conflict with the offered option of that id
+    /// (LuSVNTreeConflictOption::id). An option Subversion does not offer
+    /// for the conflict raises Subversion's error.
+    static void resolveTreeConflictAtPath(const LocalPath& path, std::int32_t optionId, const Context& context);
 
     // --- Changes of repositories and working copies -------------------------------
     //

@@ -25,6 +25,7 @@
 #include <tessera/LuSVNCommitOptions.h>
 #include <tessera/LuSVNConfiguration.h>
 #include <tessera/LuSVNConflict.h>
+#include <tessera/LuSVNConflictResolution.h>
 #include <tessera/LuSVNConflictVersion.h>
 #include <tessera/LuSVNContext.h>
 #include <tessera/LuSVNContextPool.h>
@@ -109,6 +110,7 @@
 #include <tessera/LuSVNStrings.h>
 #include <tessera/LuSVNSwitchOptions.h>
 #include <tessera/LuSVNTextTable.h>
+#include <tessera/LuSVNTreeConflictOptions.h>
 #include <tessera/LuSVNURL.h>
 #include <tessera/LuSVNUnlockOptions.h>
 #include <tessera/LuSVNUpdateOptions.h>

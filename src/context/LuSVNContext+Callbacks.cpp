@@ -9,6 +9,7 @@
 #include "LuSVNBackendFrame.h"
 #include "LuSVNBundlePushed.h"
 #include "LuSVNPoolCopies.h"
+#include "LuSVNStatus+ClientStatus.h"
 
 using namespace tessera_private;
 
@@ -146,6 +147,50 @@ struct LuSVNContext::Callbacks {
             handler(context.progress_);
     }
 
+    // Backends from 1.7 on describe a conflict in svn_wc_conflict_description2_t,
+    // older ones in svn_wc_conflict_description_t; the resolver gets a copy
+    // either way, and its answer is made in Subversion's result pool.
+    static svn_error_t* LuSVNConflictResolverFunction2(svn_wc_conflict_result_t** result,
+                                                       const svn_wc_conflict_description2_t* description,
+                                                       void* baton, apr_pool_t* resultPool,
+                                                       apr_pool_t* scratchPool) noexcept
+    {
+        *result = nullptr;
+        auto& context = *static_cast<LuSVNContext*>(baton);
+        return LuSVNGuardCallback(context.pendingException_, [&]() -> svn_error_t* {
+            LuSVNBundlePushed pushed(context.bundle());
+            const auto conflict =
+                LuSVNConflict::conflictFromStruct(LuSVNOlderConflictDescription(*description, scratchPool));
+            *result = resolve(context, *conflict, resultPool);
+            return nullptr;
+        });
+    }
+
+    static svn_error_t* LuSVNConflictResolverFunction(svn_wc_conflict_result_t** result,
+                                                      const svn_wc_conflict_description_t* description, void* baton,
+                                                      apr_pool_t* pool) noexcept
+    {
+        *result = nullptr;
+        auto& context = *static_cast<LuSVNContext*>(baton);
+        return LuSVNGuardCallback(context.pendingException_, [&]() -> svn_error_t* {
+            LuSVNBundlePushed pushed(context.bundle());
+            *result = resolve(context, *LuSVNConflict::conflictFromStruct(description), pool);
+            return nullptr;
+        });
+    }
+
+    static svn_wc_conflict_result_t* resolve(LuSVNContext& context, const LuSVNConflict& conflict, apr_pool_t* pool)
+    {
+        // The resolver may have been taken away since the callback was set.
+        const auto resolver = context.conflictResolver();
+        const LuSVNConflictResolution resolution = resolver ? resolver(conflict) : LuSVNConflictResolution::postpone();
+        auto* result = LuSVNPoolAllocateZeroed<svn_wc_conflict_result_t>(pool);
+        result->choice = static_cast<svn_wc_conflict_choice_t>(resolution.choice);
+        if (resolution.choice == LuSVNConflictChoiceMerged)
+            result->merged_file = LuSVNPoolCopyString(resolution.mergedFilePath, pool);
+        return result;
+    }
+
     static svn_error_t* LuSVNCancelFunction(void* baton) noexcept
     {
         auto& context = *static_cast<LuSVNContext*>(baton);
@@ -190,4 +235,20 @@ void LuSVNContext::setupProgressCallback()
 {
     ctx_->progress_func = &Callbacks::LuSVNProgressFunction;
     ctx_->progress_baton = this;
+}
+
+// Left null without resolver, so that Subversion postpones every conflict.
+// 1.4 has no conflict callback.
+void LuSVNContext::setupConflictCallback()
+{
+    if (!bundleVersion_ || *bundleVersion_ < LuSVNVersion::version1_5())
+        return;
+    const bool set = static_cast<bool>(conflictResolver_);
+    if (*bundleVersion_ >= LuSVNVersion::version1_7()) {
+        ctx_->conflict_func2 = set ? &Callbacks::LuSVNConflictResolverFunction2 : nullptr;
+        ctx_->conflict_baton2 = set ? this : nullptr;
+    } else {
+        ctx_->conflict_func = set ? &Callbacks::LuSVNConflictResolverFunction : nullptr;
+        ctx_->conflict_baton = set ? this : nullptr;
+    }
 }

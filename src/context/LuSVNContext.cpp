@@ -132,6 +132,7 @@ void LuSVNContext::setupContext()
     setupNotificationCallback();
     setupCancellationCallback();
     setupProgressCallback();
+    setupConflictCallback();
 }
 
 void LuSVNContext::makeAuthenticationStack(std::vector<LuSVNAuthenticationStack::Provider> providers)
@@ -196,6 +197,20 @@ void LuSVNContext::setProgressHandler(ProgressHandler handler)
 {
     std::lock_guard<std::recursive_mutex> guard(lock_);
     progressHandler_.swap(handler);
+}
+
+LuSVNConflictResolver LuSVNContext::conflictResolver() const
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    return conflictResolver_;
+}
+
+void LuSVNContext::setConflictResolver(LuSVNConflictResolver resolver)
+{
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    conflictResolver_.swap(resolver);
+    if (ctx_)
+        setupConflictCallback();
 }
 
 void LuSVNContext::beginProgress()

@@ -90,3 +90,9 @@ TESSERA_EXPORT svn_error_t* LuSVNClientStatusToWCStatus(svn_client_ctx_t* ctx, c
                                                         const svn_client_status_t* clientStatus, apr_pool_t* pool,
                                                         LuSVNReplacedItems& replaced,
                                                         const LuSVNWCStatusHandler& handler);
+
+/// The older form (svn_wc_conflict_description_t) of a conflict description
+/// of 1.7 and later, copied into the pool, for the conversions written for
+/// the older form (LuSVNConflict::conflictFromStruct).
+svn_wc_conflict_description_t* LuSVNOlderConflictDescription(const svn_wc_conflict_description2_t& conflict,
+                                                             apr_pool_t* pool);

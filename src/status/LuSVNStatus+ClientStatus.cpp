@@ -58,31 +58,6 @@ svn_wc_conflict_version_t* copyConflictVersion(const svn_wc_conflict_version_t* 
     return copy;
 }
 
-// The older form of a tree conflict's description, which the status record
-// of the older interface carries, copied into the pool: the info receiver's
-// memory is gone once it returns.
-svn_wc_conflict_description_t* olderConflictDescription(const svn_wc_conflict_description2_t& conflict,
-                                                       apr_pool_t* pool)
-{
-    auto* older = LuSVNPoolAllocateZeroed<svn_wc_conflict_description_t>(pool);
-    older->path = copyString(conflict.local_abspath, pool);
-    older->node_kind = conflict.node_kind;
-    older->kind = conflict.kind;
-    older->property_name = copyString(conflict.property_name, pool);
-    older->is_binary = conflict.is_binary;
-    older->mime_type = copyString(conflict.mime_type, pool);
-    older->action = conflict.action;
-    older->reason = conflict.reason;
-    older->base_file = copyString(conflict.base_abspath, pool);
-    older->their_file = copyString(conflict.their_abspath, pool);
-    older->my_file = copyString(conflict.my_abspath, pool);
-    older->merged_file = copyString(conflict.merged_file, pool);
-    older->operation = conflict.operation;
-    older->src_left_version = copyConflictVersion(conflict.src_left_version, pool);
-    older->src_right_version = copyConflictVersion(conflict.src_right_version, pool);
-    return older;
-}
-
 const char* lastComponent(const char* path, apr_pool_t* pool)
 {
     return path ? LuSVNEntry<27>()(path, pool) : nullptr;
@@ -106,7 +81,7 @@ svn_error_t* LuSVNClientStatusConflictInfo(void* baton, const char*, const svn_c
         if (const auto* property = LuSVNClientStatusFindConflictOfKind(conflicts, svn_wc_conflict_kind_property))
             entry->prejfile = lastComponent(property->their_abspath, pool);
         if (const auto* tree = LuSVNClientStatusFindConflictOfKind(conflicts, svn_wc_conflict_kind_tree))
-            conflictBaton->treeConflict = olderConflictDescription(*tree, pool);
+            conflictBaton->treeConflict = LuSVNOlderConflictDescription(*tree, pool);
         return nullptr;
     });
 }
@@ -255,6 +230,28 @@ svn_error_t* addReplacedValues(svn_wc_entry_t& entry, const svn_client_status_t&
 }
 
 }  // namespace
+
+svn_wc_conflict_description_t* LuSVNOlderConflictDescription(const svn_wc_conflict_description2_t& conflict,
+                                                             apr_pool_t* pool)
+{
+    auto* older = LuSVNPoolAllocateZeroed<svn_wc_conflict_description_t>(pool);
+    older->path = copyString(conflict.local_abspath, pool);
+    older->node_kind = conflict.node_kind;
+    older->kind = conflict.kind;
+    older->property_name = copyString(conflict.property_name, pool);
+    older->is_binary = conflict.is_binary;
+    older->mime_type = copyString(conflict.mime_type, pool);
+    older->action = conflict.action;
+    older->reason = conflict.reason;
+    older->base_file = copyString(conflict.base_abspath, pool);
+    older->their_file = copyString(conflict.their_abspath, pool);
+    older->my_file = copyString(conflict.my_abspath, pool);
+    older->merged_file = copyString(conflict.merged_file, pool);
+    older->operation = conflict.operation;
+    older->src_left_version = copyConflictVersion(conflict.src_left_version, pool);
+    older->src_right_version = copyConflictVersion(conflict.src_right_version, pool);
+    return older;
+}
 
 void LuSVNClientStatusConvertFields(const svn_client_status_t* clientStatus, svn_wc_status2_t* wcStatus)
 {

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <exception>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -26,6 +27,7 @@ struct Settings {
     std::vector<std::string> changes;
     std::optional<std::string> depth;
     std::optional<std::string> extensions;
+    LuSVNConflictChoice accept = LuSVNConflictChoicePostpone;
     bool quiet = false;
     bool force = false;
     bool dryRun = false;
@@ -97,6 +99,34 @@ LuSVNMergeOptions mergeOptions(const Settings& settings)
     return options;
 }
 
+// svn's way with --accept: the merge postpones every conflict, and then each
+// item that conflicted is resolved with the choice, in path order. svn counts
+// an item it tried as resolved even when Subversion refuses (a tree conflict
+// takes only "working"); the refusal ends the resolving and is handed back,
+// to be raised after the summary. Quiet, there are no notifications to name
+// the items: the whole target is resolved.
+std::exception_ptr resolveConflicts(const TesseraOperation& operation, const std::string& target,
+                                    LuSVNConflictChoice choice)
+{
+    LuSVNResolveOptions options;
+    options.setConflictChoice(choice);
+    const auto& notifier = operation.notifier();
+    if (!notifier) {
+        options.setRecursive(true);
+        LuSVNNode::resolveNodeAtPath(targetPath(target), options, operation.context());
+        return nullptr;
+    }
+    for (const std::string& path : notifier->conflictedPaths()) {
+        notifier->markResolved(path);
+        try {
+            LuSVNNode::resolveNodeAtPath(LuSVNLocalPath::pathWithString(path), options, operation.context());
+        } catch (const LuSVNException&) {
+            return std::current_exception();
+        }
+    }
+    return nullptr;
+}
+
 int merge(const CLI::App& command, const Settings& settings)
 {
     checkArgumentCount(command, settings.arguments, 1, 3);
@@ -132,7 +162,12 @@ int merge(const CLI::App& command, const Settings& settings)
         LuSVNNode::mergeNodeAtPath(sourcePath(source), merged, pegOf(source, peg), targetPath(target), options,
                                    context);
     }
+    std::exception_ptr refusal;
+    if (settings.accept != LuSVNConflictChoicePostpone && !settings.dryRun)
+        refusal = resolveConflicts(operation, target, settings.accept);
     operation.concludeUpdate();
+    if (refusal)
+        std::rethrow_exception(refusal);
     return 0;
 }
 
@@ -147,7 +182,8 @@ const TesseraCommand mergeCommand(
      "Applies the changes of SOURCE to the working copy at TARGET_WCPATH\n"
      "(default '.'), as svn merge: without revisions every revision not\n"
      "merged yet, with -r and -c the ones named (-c -N reverses r N), with\n"
-     "two sources the differences between them. Conflicts are postponed."},
+     "two sources the differences between them. Conflicts are postponed, or\n"
+     "resolved afterwards with the version --accept names."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
         addOption(
@@ -168,6 +204,12 @@ const TesseraCommand mergeCommand(
         addOption(
             command, "-x,--extensions", [settings](const std::string& text) { settings->extensions = text; },
             "how lines are compared: -b (--ignore-space-change), -w (--ignore-all-space), --ignore-eol-style");
+        addOption(
+            command, "--accept",
+            [settings](const std::string& word) { settings->accept = acceptChoiceForWord(word); },
+            "resolve conflicts with ARG: 'postpone' (p), 'working', 'base',\n"
+            "'mine-conflict' (mc), 'theirs-conflict' (tc), 'mine-full' (mf),\n"
+            "'theirs-full' (tf); 'edit' and 'launch' need a terminal");
         addArguments(command, settings->arguments);
         return [&command, settings] { return merge(command, *settings); };
     });

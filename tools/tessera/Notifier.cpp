@@ -114,6 +114,8 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
         path = n.URL()->string();
     else
         path = displayPath(n.pathPrefix().value_or(prefix_), n.path().value_or(""));
+    // Conflicts are kept by the item's own path, which resolving them takes.
+    const std::string itemPath = n.path().value_or(path);
 
     const auto columns = [&](char text, char properties, char lock) {
         return std::string{text, properties, lock, ' ', ' '} + path + "\n";
@@ -171,7 +173,7 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     case LuSVNNotifyActionUpdateAdd:
         receivedSomeChange_ = true;
         if (n.contentState() == StateConflicted) {
-            textConflicts_.insert(path);
+            textConflicts_.insert(itemPath);
             print("C    " + path + "\n");
         } else {
             print("A    " + path + "\n");
@@ -192,11 +194,11 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
         receivedSomeChange_ = true;
         char text = 'E', properties = ' ';
         if (n.contentState() == StateConflicted) {
-            textConflicts_.insert(path);
+            textConflicts_.insert(itemPath);
             text = 'C';
         }
         if (n.propertyState() == StateConflicted) {
-            propertyConflicts_.insert(path);
+            propertyConflicts_.insert(itemPath);
             properties = 'C';
         } else if (n.propertyState() == StateMerged) {
             properties = 'G';
@@ -243,13 +245,13 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     case LuSVNNotifyActionMergeRecordInfo: {
         char text = ' ', properties = ' ';
         if (n.contentState() == StateConflicted) {
-            textConflicts_.insert(path);
+            textConflicts_.insert(itemPath);
             text = 'C';
         } else if (n.nodeKind() == NodeKindFile) {
             text = n.contentState() == StateMerged ? 'G' : n.contentState() == StateChanged ? 'U' : ' ';
         }
         if (n.propertyState() == StateConflicted) {
-            propertyConflicts_.insert(path);
+            propertyConflicts_.insert(itemPath);
             properties = 'C';
         } else if (n.propertyState() == StateMerged) {
             properties = 'G';
@@ -333,7 +335,7 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
         break;
     }
     case LuSVNNotifyActionTreeConflict:
-        treeConflicts_.insert(path);
+        treeConflicts_.insert(itemPath);
         print("   C " + path + "\n");
         break;
     case LuSVNNotifyActionUpdateShadowedAdd:
@@ -403,19 +405,37 @@ void TesseraNotifier::contextNotify(LuSVNContext&, const LuSVNNotification& n)
     }
 }
 
+std::set<std::string> TesseraNotifier::conflictedPaths() const
+{
+    std::set<std::string> paths = textConflicts_;
+    paths.insert(propertyConflicts_.begin(), propertyConflicts_.end());
+    paths.insert(treeConflicts_.begin(), treeConflicts_.end());
+    return paths;
+}
+
+void TesseraNotifier::markResolved(const std::string& path)
+{
+    resolvedText_ += textConflicts_.erase(path);
+    resolvedProperty_ += propertyConflicts_.erase(path);
+    resolvedTree_ += treeConflicts_.erase(path);
+}
+
 void TesseraNotifier::printConflictSummary() const
 {
-    if (textConflicts_.empty() && propertyConflicts_.empty() && treeConflicts_.empty() && skippedPaths_ == 0)
+    if (conflictedPaths().empty() && resolvedText_ + resolvedProperty_ + resolvedTree_ == 0 && skippedPaths_ == 0)
         return;
     std::string out = "Summary of conflicts:\n";
-    const auto count = [&out](const char* what, std::size_t number) {
-        if (number > 0)
-            out += std::string("  ") + what + ": " + std::to_string(number) + "\n";
+    const auto count = [&out](const char* what, std::size_t remaining, std::size_t resolved) {
+        if (resolved > 0)
+            out += std::string("  ") + what + ": " + std::to_string(remaining) + " remaining (and " +
+                   std::to_string(resolved) + " already resolved)\n";
+        else if (remaining > 0)
+            out += std::string("  ") + what + ": " + std::to_string(remaining) + "\n";
     };
-    count("Text conflicts", textConflicts_.size());
-    count("Property conflicts", propertyConflicts_.size());
-    count("Tree conflicts", treeConflicts_.size());
-    count("Skipped paths", static_cast<std::size_t>(skippedPaths_));
+    count("Text conflicts", textConflicts_.size(), resolvedText_);
+    count("Property conflicts", propertyConflicts_.size(), resolvedProperty_);
+    count("Tree conflicts", treeConflicts_.size(), resolvedTree_);
+    count("Skipped paths", static_cast<std::size_t>(skippedPaths_), 0);
     std::fputs(out.c_str(), stream_);
     std::fflush(stream_);
 }

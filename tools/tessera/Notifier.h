@@ -55,6 +55,13 @@ public:
     /// Whether an external failed (svn's exit status then says so).
     bool hadExternalsError() const { return externalsError_; }
 
+    /// The items (as the notifications name them) that conflicted in this
+    /// operation and are not marked resolved, in path order.
+    std::set<std::string> conflictedPaths() const;
+    /// Counts the item's conflicts as resolved: the summary then says "0
+    /// remaining (and 1 already resolved)".
+    void markResolved(const std::string& path);
+
     /// svn's "Summary of conflicts:" with its counts, when the operation
     /// raised conflicts or skipped paths; nothing otherwise.
     void printConflictSummary() const;
@@ -76,6 +83,7 @@ private:
     int inExternal_ = 0;
     bool externalsError_ = false;
     std::set<std::string> textConflicts_, propertyConflicts_, treeConflicts_;
+    std::size_t resolvedText_ = 0, resolvedProperty_ = 0, resolvedTree_ = 0;
     int skippedPaths_ = 0;
     std::optional<std::string> newChangelist_;
     std::map<std::string, std::string> formerChangelists_;

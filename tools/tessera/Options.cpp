@@ -430,3 +430,29 @@ std::vector<std::string> readTargetsFile(const std::string& path)
     }
     return targets;
 }
+
+LuSVNConflictChoice acceptChoiceForWord(const std::string& word)
+{
+    static const std::pair<const char*, LuSVNConflictChoice> choices[] = {
+        {"postpone", LuSVNConflictChoicePostpone},
+        {"p", LuSVNConflictChoicePostpone},
+        {"base", LuSVNConflictChoiceBase},
+        {"working", LuSVNConflictChoiceMerged},
+        {"mine-full", LuSVNConflictChoiceMineFull},
+        {"mf", LuSVNConflictChoiceMineFull},
+        {"theirs-full", LuSVNConflictChoiceTheirsFull},
+        {"tf", LuSVNConflictChoiceTheirsFull},
+        {"mine-conflict", LuSVNConflictChoiceMineConflict},
+        {"mc", LuSVNConflictChoiceMineConflict},
+        {"theirs-conflict", LuSVNConflictChoiceTheirsConflict},
+        {"tc", LuSVNConflictChoiceTheirsConflict},
+    };
+    for (const auto& [name, choice] : choices)
+        if (word == name)
+            return choice;
+    for (const char* interactive : {"edit", "launch"})
+        if (word == interactive || word == std::string(1, interactive[0]))
+            throwOptionValueError({{TesseraArgumentParsingError,
+                                    std::string("--accept=") + interactive + " incompatible with --non-interactive"}});
+    throwOptionValueError({{TesseraArgumentParsingError, "'" + word + "' is not a valid --accept value"}});
+}

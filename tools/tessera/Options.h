@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <tessera/LuSVNOptions.h>
+#include <tessera/LuSVNResolveOptions.h>
 
 class LuSVNRevisionSpec;
 
@@ -130,3 +131,11 @@ CLI::Option* addRevisionOption(CLI::App& command, std::function<void(std::shared
 /// The targets of a --targets file: one a line, blank lines skipped, lines
 /// as they are otherwise. An unreadable file raises svn's error.
 std::vector<std::string> readTargetsFile(const std::string& path);
+
+/// svn's --accept ARG: the choice its word or short form names
+/// ("theirs-full" or "tf", ...; "postpone" or "p" postpones). "edit" and
+/// "launch" ("e", "l") need a person at a terminal, which tessera never asks,
+/// and raise svn's non-interactive refusal, E205000 "--accept=edit
+/// incompatible with --non-interactive"; any other word raises E205000
+/// "'<word>' is not a valid --accept value".
+LuSVNConflictChoice acceptChoiceForWord(const std::string& word);

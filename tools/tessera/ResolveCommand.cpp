@@ -24,23 +24,6 @@ struct Settings {
     bool quiet = false;
 };
 
-// svn's words (and their short forms) for the choices that need no person;
-// resolve takes no "postpone", which would leave the conflicts.
-std::optional<LuSVNConflictChoice> choiceNamed(const std::string& word)
-{
-    static const std::pair<const char*, LuSVNConflictChoice> choices[] = {
-        {"base", LuSVNConflictChoiceBase},            {"working", LuSVNConflictChoiceMerged},
-        {"mine-full", LuSVNConflictChoiceMineFull},   {"mf", LuSVNConflictChoiceMineFull},
-        {"theirs-full", LuSVNConflictChoiceTheirsFull}, {"tf", LuSVNConflictChoiceTheirsFull},
-        {"mine-conflict", LuSVNConflictChoiceMineConflict}, {"mc", LuSVNConflictChoiceMineConflict},
-        {"theirs-conflict", LuSVNConflictChoiceTheirsConflict}, {"tc", LuSVNConflictChoiceTheirsConflict},
-    };
-    for (const auto& [name, choice] : choices)
-        if (word == name)
-            return choice;
-    return std::nullopt;
-}
-
 // The kind of conflict of each conflicted item at and below the paths.
 std::map<std::string, TesseraNotifier::ConflictKind> conflictKinds(const std::vector<LuSVNNode::LocalPath>& paths,
                                                                    bool recursive,
@@ -106,8 +89,9 @@ const TesseraCommand resolveCommand(
         addOption(
             command, "--accept",
             [settings](const std::string& word) {
-                settings->choice = choiceNamed(word);
-                if (!settings->choice)
+                // Resolving takes no "postpone", which would leave the conflicts.
+                settings->choice = acceptChoiceForWord(word);
+                if (settings->choice == LuSVNConflictChoicePostpone)
                     LuSVNException::exceptionWithReason("'" + word + "' is not a valid --accept value",
                                                         TesseraArgumentParsingError)
                         ->raise();
