@@ -49,19 +49,24 @@ public:
     LuSVNBlame() = default;
 
     /// The blame of the path (working copy or URL) at the peg revision, over
-    /// the revisions from start to end. Raises "Invalid parameter not
+    /// the revisions from start to end; with includeMergedRevisions each
+    /// section also tells where its lines came from through merges
+    /// (LuSVNBlameSection::mergedOrigin). Raises "Invalid parameter not
     /// satisfying: path != nil" (and for the revisions and "context != nil")
     /// and Subversion's errors.
     static std::shared_ptr<LuSVNBlame> blameForPath(const LuSVNPath::Path& path, const Revision& pegRevision,
                                                     const Revision& startRevision, const Revision& endRevision,
-                                                    const LuSVNDiffOptions& options, const Context& context);
+                                                    const LuSVNDiffOptions& options, const Context& context,
+                                                    bool includeMergedRevisions = false);
     /// The same from revision 1 to the revision, without peg revision.
     static std::shared_ptr<LuSVNBlame> blameForPath(const LuSVNPath::Path& path, const Revision& revision,
                                                     const LuSVNDiffOptions& options, const Context& context);
 
-    /// Replaces the sections with the walk's answer (svn_client_blame3, MIME
-    /// types ignored). ignoreMimeType and includeMergedRevisions are accepted
-    /// and not used.
+    /// Replaces the sections with the walk's answer (MIME types ignored;
+    /// ignoreMimeType is accepted and not used). includeMergedRevisions
+    /// follows merges (svn_client_blame5), which backends before Subversion
+    /// 1.7 cannot: they raise LuSVNInvalidArgumentException "Blame of merged
+    /// revisions requires 1.7 or newer".
     void load(const LuSVNPath::Path& path, const Revision& pegRevision, const Revision& startRevision,
               const Revision& endRevision, const LuSVNDiffOptions& options, bool ignoreMimeType,
               bool includeMergedRevisions, const Context& context);
@@ -78,6 +83,10 @@ public:
     /// ISO 8601 text, read in the pool; both may be null.
     void receiveClientBlame(std::int64_t lineNumber, std::int64_t revision, const char* author, const char* date,
                             apr_pool_t* pool);
+    /// The same for a walk that follows merges: a line joins the open section
+    /// only if its origin is the section's too.
+    void receiveClientBlame(std::int64_t lineNumber, std::int64_t revision, const char* author, const char* date,
+                            std::optional<LuSVNBlameOrigin> mergedOrigin, apr_pool_t* pool);
 
     // --- Local edits -----------------------------------------------------------
 

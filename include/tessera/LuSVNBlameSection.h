@@ -1,6 +1,8 @@
 // A run of consecutive lines of a blamed file last changed by one author in
 // one revision. Lines count from 0. Archived under "author", "date",
-// "revision", "linesLocation" and "linesLength".
+// "revision", "linesLocation" and "linesLength"; a blame that follows merges
+// adds the origin under "mergedRevision", "mergedAuthor", "mergedDate" and
+// "mergedPath".
 #pragma once
 
 #include <chrono>
@@ -12,6 +14,26 @@
 #include <tessera/LuSVNCoder.h>
 #include <tessera/LuSVNDiffSection.h>
 #include <tessera/LuSVNExport.h>
+
+/// Where the lines of a blame that follows merges were last changed: the
+/// revision of a merged branch (or, for lines not merged, the section's own
+/// revision), its author and date, and the path the change was made at.
+struct TESSERA_EXPORT LuSVNBlameOrigin {
+    /// The revision of the change.
+    std::int64_t revision = -1;
+    /// Its author.
+    std::optional<std::string> author;
+    /// Its date.
+    std::optional<std::chrono::system_clock::time_point> date;
+    /// The repository path of the changed file ("/branches/b/f").
+    std::string path;
+
+    /// Whether both name the same revision and path.
+    bool operator==(const LuSVNBlameOrigin& other) const
+    {
+        return revision == other.revision && path == other.path;
+    }
+};
 
 /// A run of lines last changed by one author in one revision.
 class TESSERA_EXPORT LuSVNBlameSection : public LuSVNCoding {
@@ -26,6 +48,11 @@ public:
     static std::shared_ptr<LuSVNBlameSection> blameSectionWithAuthor(std::optional<std::string> author,
                                                                      std::optional<Date> date, std::int64_t revision,
                                                                      LuSVNLineRange lines);
+    /// A section of the lines of a blame that follows merges.
+    static std::shared_ptr<LuSVNBlameSection> blameSectionWithAuthor(std::optional<std::string> author,
+                                                                     std::optional<Date> date, std::int64_t revision,
+                                                                     LuSVNLineRange lines,
+                                                                     std::optional<LuSVNBlameOrigin> mergedOrigin);
     /// A copy of the section.
     static std::shared_ptr<LuSVNBlameSection> blameSectionWithBlameSection(const LuSVNBlameSection& section);
     /// A copy of the section's attribution for other lines.
@@ -38,6 +65,12 @@ public:
     const std::optional<Date>& date() const { return date_; }
     /// In which revision; -1 for lines not committed.
     std::int64_t revision() const { return revision_; }
+    /// Where the lines came from, when the blame followed merges; none
+    /// otherwise.
+    const std::optional<LuSVNBlameOrigin>& mergedOrigin() const { return mergedOrigin_; }
+    /// Whether the lines came in by a merge of an older revision: the
+    /// origin's revision precedes the section's.
+    bool isMerged() const { return mergedOrigin_ && mergedOrigin_->revision < revision_; }
     /// The lines.
     const LuSVNLineRange& lines() const { return lines_; }
     /// See lines(); the only field that changes after creation.
@@ -57,10 +90,11 @@ public:
 
 private:
     LuSVNBlameSection(std::optional<std::string> author, std::optional<Date> date, std::int64_t revision,
-                      LuSVNLineRange lines);
+                      LuSVNLineRange lines, std::optional<LuSVNBlameOrigin> mergedOrigin);
 
     std::optional<std::string> author_;
     std::optional<Date> date_;
     std::int64_t revision_;
     LuSVNLineRange lines_;
+    std::optional<LuSVNBlameOrigin> mergedOrigin_;
 };

@@ -6,6 +6,11 @@
 //       std::cout << item->stringValue();   // the command-line log layout
 //
 // Copies share the change objects and have their own map of them.
+//
+// With LuSVNLogOptions::includeMergedRevisions, an item whose revision merged
+// others carries them as its children, in the order the backend reports
+// them, each child with the revisions it merged in turn; a child of a reverse
+// merge reads isSubtractiveMerge().
 #pragma once
 
 #include <chrono>
@@ -32,6 +37,8 @@ public:
     using Changes = std::vector<Change>;
     /// The changes keyed by their paths.
     using ChangesByPath = std::unordered_map<std::string, Change>;
+    /// Items of merged revisions.
+    using Children = std::vector<std::shared_ptr<LuSVNLogItem>>;
 
     /// Revision -1, nothing else.
     LuSVNLogItem() = default;
@@ -58,6 +65,16 @@ public:
     const std::optional<std::string>& author() const { return author_; }
     /// See author().
     void setAuthor(std::optional<std::string> author) { author_ = std::move(author); }
+
+    /// The revisions merged by this one (with merged revisions asked for),
+    /// in the backend's order.
+    const Children& children() const { return children_; }
+    /// Appends a merged revision.
+    void addChild(std::shared_ptr<LuSVNLogItem> child) { children_.push_back(std::move(child)); }
+    /// Whether this merged revision was merged in reverse (undone).
+    bool isSubtractiveMerge() const { return subtractiveMerge_; }
+    /// See isSubtractiveMerge().
+    void setSubtractiveMerge(bool subtractive) { subtractiveMerge_ = subtractive; }
 
     /// The paths of the changes, in the map's order.
     std::vector<std::string> changedPaths() const;
@@ -87,8 +104,8 @@ public:
     /// Removes every change.
     void removeAllChanges() { changes_.clear(); }
 
-    /// Takes revision, date, author, message and a copy of the map (sharing
-    /// the change objects) from the other item.
+    /// Takes revision, date, author, message, a copy of the map (sharing
+    /// the change objects) and the merged children from the other item.
     void assignFrom(const LuSVNLogItem& other);
     /// For a number range whether it holds revision(), for a date range
     /// whether it holds date() (false without a date), else true.
@@ -114,4 +131,6 @@ private:
     std::optional<Date> date_;
     std::optional<std::string> author_;
     ChangesByPath changes_;
+    Children children_;
+    bool subtractiveMerge_ = false;
 };

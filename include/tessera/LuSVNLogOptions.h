@@ -8,6 +8,9 @@
 //   toRevision             revision   revision number 0
 //   discoverChangedPaths   boolean    true    list each entry's changed paths
 //   traverseCopyHistory    boolean    true    follow copies back to their sources
+//   includeMergedRevisions boolean    false   report the revisions merged by each
+//                                             entry as its children (Subversion 1.6
+//                                             and newer backends)
 //
 // Description: "{ <LuSVNLogOptions: 0x...> fromRevision: HEAD, toRevision: 0,
 // pegRevision: UNSPECIFIED, limit: 0, discoverChangedPaths: 1, traverseCopyHistory: 1 }"
@@ -42,6 +45,13 @@ public:
     bool traverseCopyHistory() const { return traverseCopyHistory_; }
     void setDiscoverChangedPaths(bool discoverChangedPaths) { discoverChangedPaths_ = discoverChangedPaths; }
     void setTraverseCopyHistory(bool traverseCopyHistory) { traverseCopyHistory_ = traverseCopyHistory; }
+    /// Whether each item carries the revisions its merges brought in as its
+    /// children (LuSVNLogItem::children). Backends before Subversion 1.6
+    /// cannot: the query then raises LuSVNInvalidArgumentException. Not part
+    /// of description().
+    bool includeMergedRevisions() const { return includeMergedRevisions_; }
+    /// See includeMergedRevisions().
+    void setIncludeMergedRevisions(bool include) { includeMergedRevisions_ = include; }
 
     std::string description() const override;
 
@@ -52,4 +62,5 @@ private:
     Revision toRevision_;
     bool discoverChangedPaths_ = true;
     bool traverseCopyHistory_ = true;
+    bool includeMergedRevisions_ = false;
 };

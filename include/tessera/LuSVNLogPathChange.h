@@ -4,6 +4,10 @@
 //   LuSVNLogPathChange change("/b", LuSVNLogActionAdded, "/a", 5);
 //   change.adjustPath("/b/x");             // "/a/x": where /b/x came from
 //   LuSVNCharFromLogAction(change.action()); // 'A'
+//
+// Backends of Subversion 1.6 and newer also report the kind of the changed
+// node, and 1.7 and newer whether its text and its properties changed; on
+// older backends these stay unknown.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +16,7 @@
 #include <string_view>
 
 #include <tessera/LuSVNExport.h>
+#include <tessera/LuSVNNode.h>
 
 /// What happened to a path in a revision, as Subversion's log reports it.
 enum LuSVNLogAction : std::int32_t {
@@ -61,6 +66,21 @@ public:
     /// See copyRevision().
     void setCopyRevision(std::int32_t copyRevision) { copyRevision_ = copyRevision; }
 
+    /// The kind of the changed node; LuSVNNodeKindUnknown when the backend
+    /// does not tell.
+    LuSVNNodeKind nodeKind() const { return nodeKind_; }
+    /// See nodeKind().
+    void setNodeKind(LuSVNNodeKind nodeKind) { nodeKind_ = nodeKind; }
+    /// Whether the file's text changed; none when the backend does not tell.
+    const std::optional<bool>& textModified() const { return textModified_; }
+    /// See textModified().
+    void setTextModified(std::optional<bool> modified) { textModified_ = modified; }
+    /// Whether the node's properties changed; none when the backend does not
+    /// tell.
+    const std::optional<bool>& propertiesModified() const { return propertiesModified_; }
+    /// See propertiesModified().
+    void setPropertiesModified(std::optional<bool> modified) { propertiesModified_ = modified; }
+
     /// Follows a path back across the copy that added this change's path: for
     /// an addition, the copy path followed by what of `path` lies beyond this
     /// change's path length (none without a copy path); for other actions the
@@ -78,4 +98,7 @@ private:
     LuSVNLogAction action_ = LuSVNLogActionNone;
     std::optional<std::string> copyPath_;
     std::int32_t copyRevision_ = -1;
+    LuSVNNodeKind nodeKind_ = LuSVNNodeKindUnknown;
+    std::optional<bool> textModified_;
+    std::optional<bool> propertiesModified_;
 };

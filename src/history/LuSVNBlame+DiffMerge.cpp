@@ -8,7 +8,7 @@ namespace {
 bool sameAttribution(const LuSVNBlameSection& first, const LuSVNBlameSection& second)
 {
     return first.revision() == second.revision() && first.author() == second.author() &&
-           first.date() == second.date();
+           first.date() == second.date() && first.mergedOrigin() == second.mergedOrigin();
 }
 
 // Appends the section, or lengthens the last one when it has the same

@@ -85,6 +85,8 @@ void LuSVNLogItem::assignFrom(const LuSVNLogItem& other)
     setAuthor(other.author_);
     setMessage(other.message_);
     changes_ = other.changes_;
+    children_ = other.children_;
+    subtractiveMerge_ = other.subtractiveMerge_;
 }
 
 bool LuSVNLogItem::isInRange(const LuSVNRevisionRange& range) const

@@ -72,20 +72,14 @@ struct MergeLogBaton {
     std::exception_ptr pending;
 };
 
-const char* revisionProperty(apr_hash_t* properties, const char* name)
-{
-    const auto* value = properties ? static_cast<const svn_string_t*>(LuSVNEntry<17>()(properties, name, -1)) : nullptr;
-    return value ? value->data : nullptr;
-}
-
 svn_error_t* LuSVNMergeLogEntryReceiver(void* baton, svn_log_entry_t* entry, apr_pool_t* pool)
 {
     auto* logBaton = static_cast<MergeLogBaton*>(baton);
     return LuSVNGuardCallback(logBaton->pending, [&]() -> svn_error_t* {
         const auto item = LuSVNCreateLogItem(entry->changed_paths, entry->revision,
-                                             revisionProperty(entry->revprops, "svn:author"),
-                                             revisionProperty(entry->revprops, "svn:date"),
-                                             revisionProperty(entry->revprops, "svn:log"), pool);
+                                             LuSVNLogRevisionProperty(entry->revprops, "svn:author"),
+                                             LuSVNLogRevisionProperty(entry->revprops, "svn:date"),
+                                             LuSVNLogRevisionProperty(entry->revprops, "svn:log"), pool);
         if (!logBaton->receiver.receiveLogItem(item))
             return LuSVNCreateError(LuSVNCallbackAbortStatus(), "Operation was cancelled", __FILE__, __LINE__);
         return nullptr;

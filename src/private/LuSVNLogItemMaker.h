@@ -16,4 +16,7 @@ namespace tessera_private {
 std::shared_ptr<LuSVNLogItem> LuSVNCreateLogItem(apr_hash_t* changedPaths, svn_revnum_t revision, const char* author,
                                                  const char* date, const char* message, apr_pool_t* pool);
 
+/// The text of a revision property of a log entry, or null.
+const char* LuSVNLogRevisionProperty(apr_hash_t* properties, const char* name);
+
 }  // namespace tessera_private

@@ -108,14 +108,54 @@ std::string utf16(const std::string& ascii, bool bigEndian)
 
 const HistoryRepository& HistoryRepository::shared()
 {
-    static const HistoryRepository repository;
+    static const HistoryRepository repository(false);
     return repository;
 }
 
-HistoryRepository::HistoryRepository()
+const HistoryRepository& HistoryRepository::withMerges()
+{
+    static const HistoryRepository repository(true);
+    return repository;
+}
+
+HistoryRepository::HistoryRepository(bool withMerges)
+{
+    url_ = tessera_test::makeRepository(directory_ / "repo");
+    if (withMerges)
+        fillWithMerges();
+    else
+        fill();
+}
+
+void HistoryRepository::fillWithMerges()
 {
     using tessera_test::writeFile;
-    url_ = tessera_test::makeRepository(directory_ / "repo");
+    const std::string wc = workingCopy();
+    tessera_test::checkout(url_, wc);
+    std::filesystem::create_directories(item("trunk"));
+    std::filesystem::create_directories(item("branches"));
+    writeFile(item("trunk/f.txt"), "1\n2\n3\n4\n");
+    svnOrThrow({"add", "-q", item("trunk"), item("branches")});
+    commit("alice", "Add", wc);
+    svnOrThrow({"copy", "-q", "--username", "bob", "-m", "Branch", url_ + "/trunk", url_ + "/branches/b"});
+    svnOrThrow({"update", "-q", wc});
+    writeFile(item("branches/b/f.txt"), "1\nB2\n3\n4\n");
+    commit("bob", "Two", wc);
+    writeFile(item("branches/b/f.txt"), "1\nB2\n3\nB4\n");
+    svnOrThrow({"propset", "-q", "colour", "green", item("branches/b/f.txt")});
+    commit("carol", "Four", wc);
+    svnOrThrow({"update", "-q", wc});
+    svnOrThrow({"merge", "-q", url_ + "/branches/b", item("trunk")});
+    commit("alice", "Merge b", wc);
+    svnOrThrow({"update", "-q", wc});
+    svnOrThrow({"merge", "-q", "-c", "-3", url_ + "/branches/b", item("trunk")});
+    commit("alice", "Undo r3", wc);
+    svnOrThrow({"update", "-q", wc});
+}
+
+void HistoryRepository::fill()
+{
+    using tessera_test::writeFile;
     const std::string tree = directory_ / "tree";
     std::filesystem::create_directories(tree + "/trunk");
     writeFile(tree + "/trunk/a.txt", joinLines(numberedLines(12)));

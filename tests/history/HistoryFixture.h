@@ -26,6 +26,16 @@ namespace tessera_history_test {
 class HistoryRepository {
 public:
     static const HistoryRepository& shared();
+    /// Another repository, with merges:
+    /// r1 alice adds trunk/f.txt (lines "1" to "4") and branches;
+    /// r2 bob copies trunk to branches/b;
+    /// r3 bob changes line 2 of branches/b/f.txt;
+    /// r4 carol changes line 4 of branches/b/f.txt and sets a property on
+    ///    branches/b/f.txt;
+    /// r5 alice merges branches/b into trunk;
+    /// r6 alice merges r3 back out of trunk (a reverse merge).
+    /// Its working copy is a check-out of the root at r6.
+    static const HistoryRepository& withMerges();
 
     const std::string& url() const { return url_; }
     std::string workingCopy() const { return directory_ / "wc"; }
@@ -36,7 +46,9 @@ public:
     std::shared_ptr<LuSVNContext> context(const char* bundlePath = nullptr) const;
 
 private:
-    HistoryRepository();
+    explicit HistoryRepository(bool withMerges);
+    void fill();
+    void fillWithMerges();
 
     tessera_test::TemporaryDirectory directory_;
     tessera_test::TemporaryDirectory config_;

@@ -189,4 +189,81 @@ TEST(LuSVNBlameTest, ArchiveKeepsTheSections)
     EXPECT_EQ(copy->blameSections().front()->date(), blame->blameSections().front()->date());
 }
 
+// Each line's origin through merges as "r5 <- r4 carol /branches/b/f.txt".
+std::vector<std::string> clientMergedBlame(const std::string& url)
+{
+    const std::string xml = tessera_history_test::svnOrThrow({"blame", "--xml", "-g", url});
+    static const std::regex entry(
+        R"re(<commit\s+revision="(\d+)">[\s\S]*?<merged\s+path="([^"]*)">\s*<commit\s+revision="(\d+)">\s*<author>([^<]*)</author>)re");
+    std::vector<std::string> lines;
+    for (std::sregex_iterator match(xml.begin(), xml.end(), entry), end; match != end; ++match)
+        lines.push_back("r" + std::string((*match)[1]) + " <- r" + std::string((*match)[3]) + " " +
+                        std::string((*match)[4]) + " " + std::string((*match)[2]));
+    return lines;
+}
+
+TEST(LuSVNBlameTest, MergedRevisionsGiveEachLineItsOrigin)
+{
+    const auto& repository = HistoryRepository::withMerges();
+    for (const int revision : {5, 6}) {
+        SCOPED_TRACE(revision);
+        const std::string url = repository.url() + "/trunk/f.txt@" + std::to_string(revision);
+        const auto at = LuSVNRevision::revisionWithNumber(revision);
+        const auto blame = LuSVNBlame::blameForPath(LuSVNURL::URLWithString(repository.url() + "/trunk/f.txt"), at,
+                                                    LuSVNRevision::revisionWithNumber(1), at, LuSVNDiffOptions(),
+                                                    repository.context(), true);
+        std::vector<std::string> lines;
+        for (const auto& section : blame->blameSections()) {
+            ASSERT_TRUE(section->mergedOrigin()) << section->description();
+            const auto& origin = *section->mergedOrigin();
+            for (std::uint64_t n = 0; n < section->lines().length; ++n)
+                lines.push_back("r" + std::to_string(section->revision()) + " <- r" +
+                                std::to_string(origin.revision) + " " + origin.author.value_or("") + " " +
+                                origin.path);
+        }
+        EXPECT_EQ(lines, clientMergedBlame(url));
+    }
+    // Lines 2 and 4 of r5 came from the branch and lines 1 and 3 did not:
+    // one section each, though lines 2 and 4 share revision and author.
+    const auto at5 = LuSVNRevision::revisionWithNumber(5);
+    const auto blame = LuSVNBlame::blameForPath(LuSVNURL::URLWithString(repository.url() + "/trunk/f.txt"), at5,
+                                                LuSVNRevision::revisionWithNumber(1), at5, LuSVNDiffOptions(),
+                                                repository.context(), true);
+    std::vector<bool> merged;
+    for (const auto& section : blame->blameSections())
+        merged.push_back(section->isMerged());
+    EXPECT_EQ(merged, (std::vector<bool>{false, true, false, true}));
+}
+
+TEST(LuSVNBlameTest, MergedOriginSurvivesArchivingAndBackendsBefore17RefuseIt)
+{
+    const auto& repository = HistoryRepository::withMerges();
+    const auto path = LuSVNURL::URLWithString(repository.url() + "/trunk/f.txt");
+    const auto head = LuSVNRevision::revisionWithNumber(6);
+    const auto one = LuSVNRevision::revisionWithNumber(1);
+    const auto blame =
+        LuSVNBlame::blameForPath(path, head, one, head, LuSVNDiffOptions(), repository.context(), true);
+    const auto copy = LuSVNKeyedUnarchiver::unarchiveObjectOfClass<LuSVNBlame>(
+        LuSVNKeyedArchiver::archivedDataWithRootObject(*blame));
+    ASSERT_EQ(copy->blameSections().size(), blame->blameSections().size());
+    for (std::size_t index = 0; index < blame->blameSections().size(); ++index) {
+        const auto& original = *blame->blameSections()[index];
+        const auto& decoded = *copy->blameSections()[index];
+        ASSERT_TRUE(decoded.mergedOrigin());
+        EXPECT_EQ(decoded.mergedOrigin(), original.mergedOrigin());
+        EXPECT_EQ(decoded.mergedOrigin()->author, original.mergedOrigin()->author);
+        EXPECT_EQ(decoded.mergedOrigin()->date, original.mergedOrigin()->date);
+    }
+    for (const char* bundle : {TESSERA_TEST_BUNDLE_1_6_23, TESSERA_TEST_BUNDLE_1_4_6}) {
+        SCOPED_TRACE(bundle);
+        const auto context = repository.context(bundle);
+        EXPECT_FALSE(LuSVNBlame::blameForPath(path, head, one, head, LuSVNDiffOptions(), context)
+                         ->blameSections()
+                         .front()
+                         ->mergedOrigin());
+        EXPECT_THROW(LuSVNBlame::blameForPath(path, head, one, head, LuSVNDiffOptions(), context, true),
+                     LuSVNInvalidArgumentException);
+    }
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 #include <tessera/LuSVNLogMessageReceiver.h>
 #include <tessera/LuSVNLogOptions.h>
 #include <tessera/LuSVNNode.h>
+#include <tessera/LuSVNPlatformExceptions.h>
 #include <tessera/LuSVNURL.h>
 
 #include <gtest/gtest.h>
@@ -30,8 +31,28 @@ std::string unescapeXML(std::string text)
 struct Entry {
     long revision;
     std::string author, date, message;
-    std::map<std::string, std::string> changes;  // path → "A from:rev"
+    std::map<std::string, std::string> changes;  // path → changeText
 };
+
+std::map<std::string, std::string> attributesOf(const std::string& text)
+{
+    static const std::regex attribute(R"re(([\w-]+)="([^"]*)")re");
+    std::map<std::string, std::string> attributes;
+    for (std::sregex_iterator a(text.begin(), text.end(), attribute), end; a != end; ++a)
+        attributes[(*a)[1]] = unescapeXML((*a)[2]);
+    return attributes;
+}
+
+// "A /from:3 dir text=false props=true": action, copy source, kind and the
+// modification flags ("?" where not told), from svn's <path> attributes.
+std::string clientChangeText(std::map<std::string, std::string> attributes)
+{
+    std::string change = attributes["action"];
+    if (attributes.count("copyfrom-path"))
+        change += " " + attributes["copyfrom-path"] + ":" + attributes["copyfrom-rev"];
+    const auto flag = [&](const char* name) { return attributes.count(name) ? attributes[name] : "?"; };
+    return change + " " + attributes["kind"] + " text=" + flag("text-mods") + " props=" + flag("prop-mods");
+}
 
 std::vector<Entry> clientLog(const std::vector<std::string>& arguments)
 {
@@ -40,7 +61,6 @@ std::vector<Entry> clientLog(const std::vector<std::string>& arguments)
     const std::string xml = tessera_history_test::svnOrThrow(command);
     static const std::regex entry(R"re(<logentry\s+revision="(\d+)">([\s\S]*?)</logentry>)re");
     static const std::regex path(R"re(<path([^>]*)>([^<]*)</path>)re");
-    static const std::regex attribute(R"re(([\w-]+)="([^"]*)")re");
     static const std::regex author("<author>([^<]*)</author>"), date("<date>([^<]*)</date>"),
         message("<msg>([^<]*)</msg>");
     std::vector<Entry> entries;
@@ -54,16 +74,8 @@ std::vector<Entry> clientLog(const std::vector<std::string>& arguments)
             item.date = found[1];
         if (std::regex_search(inner, found, message))
             item.message = unescapeXML(found[1]);
-        for (std::sregex_iterator p(inner.begin(), inner.end(), path); p != end; ++p) {
-            std::map<std::string, std::string> attributes;
-            const std::string text = (*p)[1];
-            for (std::sregex_iterator a(text.begin(), text.end(), attribute); a != end; ++a)
-                attributes[(*a)[1]] = unescapeXML((*a)[2]);
-            std::string change = attributes["action"];
-            if (attributes.count("copyfrom-path"))
-                change += " " + attributes["copyfrom-path"] + ":" + attributes["copyfrom-rev"];
-            item.changes[unescapeXML((*p)[2])] = change;
-        }
+        for (std::sregex_iterator p(inner.begin(), inner.end(), path); p != end; ++p)
+            item.changes[unescapeXML((*p)[2])] = clientChangeText(attributesOf((*p)[1]));
         entries.push_back(item);
     }
     return entries;
@@ -74,7 +86,21 @@ std::string changeText(const LuSVNLogPathChange& change)
     std::string text(1, LuSVNCharFromLogAction(change.action()));
     if (change.copyPath())
         text += " " + *change.copyPath() + ":" + std::to_string(change.copyRevision());
-    return text;
+    const auto flag = [](const std::optional<bool>& value) { return value ? *value ? "true" : "false" : "?"; };
+    const char* kind = change.nodeKind() == LuSVNNodeKindFile        ? "file"
+                       : change.nodeKind() == LuSVNNodeKindDirectory ? "dir"
+                                                                      : "";
+    return text + " " + kind + " text=" + flag(change.textModified()) +
+           " props=" + flag(change.propertiesModified());
+}
+
+// The changes of an item, keyed by path.
+std::map<std::string, std::string> changesOf(const LuSVNLogItem& item)
+{
+    std::map<std::string, std::string> changes;
+    for (const auto& change : item.changes())
+        changes[change->path()] = changeText(*change);
+    return changes;
 }
 
 void expectAgreement(std::vector<std::shared_ptr<LuSVNLogItem>> items, const std::vector<Entry>& entries,
@@ -91,11 +117,8 @@ void expectAgreement(std::vector<std::shared_ptr<LuSVNLogItem>> items, const std
         EXPECT_EQ(item.author().value_or(""), entry.author);
         EXPECT_EQ(item.message().value_or(""), entry.message);
         EXPECT_EQ(item.date(), LuSVNDateConversion::dateWithISO8601String(entry.date));
-        std::map<std::string, std::string> changes;
-        for (const auto& change : item.changes())
-            changes[change->path()] = changeText(*change);
         const std::map<std::string, std::string> none;
-        EXPECT_EQ(changes, withChanges ? entry.changes : none);
+        EXPECT_EQ(changesOf(item), withChanges ? entry.changes : none);
     }
 }
 
@@ -157,6 +180,7 @@ public:
     bool logItemReceived(const std::shared_ptr<LuSVNLogItem>& item) override
     {
         revisions.push_back(item->revision());
+        children.push_back(item->children().size());
         if (revisions.size() == at_ && stop_ == Throw)
             throw std::range_error("delegate failed");
         return !(revisions.size() == at_ && stop_ == Cancel);
@@ -164,6 +188,7 @@ public:
     bool keepsLogItems() const override { return keeps_; }
 
     std::vector<std::int32_t> revisions;
+    std::vector<std::size_t> children;
 
 private:
     Stop stop_;
@@ -301,6 +326,120 @@ TEST(LuSVNLogTest, ReceiverListKeepsOrderAndChecksIndices)
     tessera_test::expectParameterAssertion([&] { receiver->addLogItem(nullptr); }, "logItem != nil");
     receiver->removeAllLogItems();
     EXPECT_TRUE(receiver->logItems().empty());
+}
+
+// A log with its merged revisions as "[r6[r3-]][r5[r4][r3][r2]]..." ("-"
+// for a reverse merge) and the changes of every entry in that order.
+struct NestedLog {
+    std::string structure;
+    std::vector<std::map<std::string, std::string>> changes;
+};
+
+NestedLog clientNestedLog(const std::string& url)
+{
+    const std::string xml = tessera_history_test::svnOrThrow({"log", "--xml", "-v", "-g", url});
+    static const std::regex token(R"re(<logentry\s+([^>]*)>|</logentry>|<path([^>]*)>([^<]*)</path>)re");
+    NestedLog log;
+    for (std::sregex_iterator match(xml.begin(), xml.end(), token), end; match != end; ++match) {
+        if ((*match)[0] == "</logentry>") {
+            log.structure += "]";
+        } else if ((*match)[1].matched) {
+            auto attributes = attributesOf((*match)[1]);
+            log.structure += "[r" + attributes["revision"] + (attributes["reverse-merge"] == "true" ? "-" : "");
+            log.changes.emplace_back();
+        } else {
+            log.changes.back()[unescapeXML((*match)[3])] = clientChangeText(attributesOf((*match)[2]));
+        }
+    }
+    return log;
+}
+
+void appendNested(NestedLog& log, const LuSVNLogItem& item)
+{
+    // svn leaves out revision 0 when it has no message.
+    if (item.revision() == 0 && !item.message())
+        return;
+    log.structure += "[r" + std::to_string(item.revision()) + (item.isSubtractiveMerge() ? "-" : "");
+    log.changes.push_back(changesOf(item));
+    for (const auto& child : item.children())
+        appendNested(log, *child);
+    log.structure += "]";
+}
+
+TEST(LuSVNLogTest, MergedRevisionsNestBelowTheRevisionsThatMergedThem)
+{
+    const auto& repository = HistoryRepository::withMerges();
+    for (const std::string target : {"/trunk", "/trunk/f.txt", "/branches/b", ""}) {
+        SCOPED_TRACE(target);
+        LuSVNLogOptions options;
+        options.setIncludeMergedRevisions(true);
+        const auto items = LuSVNNode::readLogForNodeAtPath(LuSVNURL::URLWithString(repository.url() + target),
+                                                           nullptr, options, repository.context());
+        NestedLog log;
+        for (const auto& item : items)
+            appendNested(log, *item);
+        const NestedLog expected = clientNestedLog(repository.url() + target);
+        EXPECT_EQ(log.structure, expected.structure);
+        EXPECT_EQ(log.changes, expected.changes);
+    }
+    // The structure this repository must give, so that the comparison
+    // above compares merges at all.
+    LuSVNLogOptions options;
+    options.setIncludeMergedRevisions(true);
+    NestedLog trunk;
+    for (const auto& item : LuSVNNode::readLogForNodeAtPath(LuSVNURL::URLWithString(repository.url() + "/trunk"),
+                                                            nullptr, options, repository.context()))
+        appendNested(trunk, *item);
+    EXPECT_EQ(trunk.structure, "[r6[r3-]][r5[r4][r2]][r1]");
+}
+
+TEST(LuSVNLogTest, OlderBackendsTellLessAndRefuseMergedRevisions)
+{
+    const auto& repository = HistoryRepository::withMerges();
+    const auto url = LuSVNURL::URLWithString(repository.url() + "/branches/b/f.txt");
+    const struct {
+        const char* bundle;
+        const char* change;  // of r4 on branches/b/f.txt
+        bool mergedRevisions;
+    } cases[] = {
+        {nullptr, "M file text=true props=true", true},
+        {TESSERA_TEST_BUNDLE_1_6_23, "M file text=? props=?", true},
+        {TESSERA_TEST_BUNDLE_1_5_9, "M  text=? props=?", false},
+        {TESSERA_TEST_BUNDLE_1_4_6, "M  text=? props=?", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.bundle ? c.bundle : "newest");
+        const auto context = repository.context(c.bundle);
+        LuSVNLogOptions options;
+        options.setFromRevision(LuSVNRevision::revisionWithNumber(4));
+        options.setToRevision(LuSVNRevision::revisionWithNumber(4));
+        const auto items = LuSVNNode::readLogForNodeAtPath(url, nullptr, options, context);
+        ASSERT_EQ(items.size(), 1u);
+        EXPECT_EQ(changesOf(*items.front()),
+                  (std::map<std::string, std::string>{{"/branches/b/f.txt", c.change}}));
+        options.setIncludeMergedRevisions(true);
+        if (c.mergedRevisions)
+            EXPECT_EQ(LuSVNNode::readLogForNodeAtPath(url, nullptr, options, context).size(), 1u);
+        else
+            EXPECT_THROW(LuSVNNode::readLogForNodeAtPath(url, nullptr, options, context),
+                         LuSVNInvalidArgumentException);
+    }
+}
+
+// A delegate hears of an item once its merged revisions have all arrived,
+// and cancelling it stops the walk before the next one.
+TEST(LuSVNLogTest, DelegateGetsMergesComplete)
+{
+    const auto& repository = HistoryRepository::withMerges();
+    auto delegate = std::make_shared<CountingDelegate>(CountingDelegate::Cancel, 2, true);
+    std::vector<std::size_t> children;
+    LuSVNLogOptions options;
+    options.setIncludeMergedRevisions(true);
+    EXPECT_THROW(LuSVNNode::readLogForNodeAtPath(LuSVNURL::URLWithString(repository.url() + "/trunk"), delegate,
+                                                 options, repository.context()),
+                 LuSVNOperationCancelledException);
+    EXPECT_EQ(delegate->revisions, (std::vector<std::int32_t>{6, 5}));
+    EXPECT_EQ(delegate->children, (std::vector<std::size_t>{1, 2}));
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
 #!/bin/sh
 # tessera log, blame and diff against svn on a repository with copies, moves,
 # a replacement, property changes, non-ASCII names and messages, a revision
-# without author and one with an empty message: the same output, errors and
-# exit statuses. XML path elements of the log are compared without the
-# attributes that only svn's newer log call reports, and in one order (svn
-# prints them in hash order).
+# without author and one with an empty message, and then merges (for -g): the
+# same output, errors and exit statuses. The attributes of XML elements are
+# compared in one order (svn prints them in hash order).
 # usage: tessera_history_test.sh TESSERA SVN SVNADMIN
 set -eu
 tessera="$1" svn="$2" svnadmin="$3"
@@ -68,26 +67,27 @@ same() {
   fi
 }
 
-# Each <path> element on one line with the attributes both give, in a fixed
-# order, and the elements of each <paths> sorted.
-xml_paths() {
+# Each open tag with attributes on one line, its attributes sorted, and the
+# <path> elements of each <paths> sorted.
+xml_sorted() {
   awk '
-    function flush(   i, j, t) {
-      for (i = 2; i <= n; i++) for (j = i; j > 1 && p[j - 1] > p[j]; j--) { t = p[j]; p[j] = p[j - 1]; p[j - 1] = t }
-      for (i = 1; i <= n; i++) print p[i]
-      n = 0
+    function sort(a, n,   i, j, t) {
+      for (i = 2; i <= n; i++) for (j = i; j > 1 && a[j - 1] > a[j]; j--) { t = a[j]; a[j] = a[j - 1]; a[j - 1] = t }
     }
-    /^<path$/ { inpath = 1; action = from = rev = ""; next }
-    inpath {
+    /^<[a-z-]+$/ { tag = $0; n = 0; next }
+    tag != "" {
       a = substr($0, 4); rest = ""; at = index(a, "\">")
       if (at > 0) { rest = substr(a, at + 1); a = substr(a, 1, at) }
-      if (a ~ /^action=/) action = a
-      if (a ~ /^copyfrom-path=/) from = a
-      if (a ~ /^copyfrom-rev=/) rev = a
-      if (rest != "") { p[++n] = "<path " action " " from " " rev rest; inpath = 0 }
+      attribute[++n] = a
+      if (rest == "") next
+      sort(attribute, n)
+      line = tag
+      for (i = 1; i <= n; i++) line = line " " attribute[i]
+      if (tag == "<path") path[++paths] = line rest; else print line rest
+      tag = ""
       next
     }
-    /^<\/paths>$/ { flush() }
+    /^<\/paths>$/ { sort(path, paths); for (i = 1; i <= paths; i++) print path[i]; paths = 0 }
     { print }'
 }
 
@@ -129,7 +129,7 @@ same log --diff -r 2:4 trunk
 same log --diff -l 3 "$repository/trunk"
 same log --diff -x -w -c 3
 same log --diff trunk/a
-normalise=xml_paths
+normalise=xml_sorted
 same log --xml -v
 same log --xml -v -q "$repository/branch"
 normalise=cat
@@ -205,6 +205,38 @@ same log -c 2 -r 1
 same diff -c x
 same diff -x --nonsense
 same diff no-such-file
+
+# Merged history (-g): the branch merged into trunk by an author with a long
+# name, and one of its revisions merged back out, in a working copy of their
+# own.
+svn checkout -q "$repository" "$work/merges"
+cd "$work/merges"
+svn merge -q "$repository/branch" trunk
+svn commit -q --username merging-author -m "Merge the branch"
+svn update -q
+svn merge -q -c -7 "$repository/branch" trunk
+svn commit -q -m "Merge r7 back out"
+svn update -q
+for options in "" -q -v "-q -v" "-l 2" "-v --search Spaces" "-r 9:7"; do
+  # shellcheck disable=SC2086
+  same log -g $options trunk
+done
+same log -g -v "$repository/trunk/a"
+same log -g -v "$repository"
+# An author longer than svn's column.
+same blame trunk/a
+same blame -v trunk/a
+for options in "" -v -r9; do
+  # shellcheck disable=SC2086
+  same blame -g $options trunk/a "$repository/trunk/a"
+done
+normalise=xml_sorted
+for options in "" -v -q "-v --search Spaces" "-r 9 --incremental"; do
+  # shellcheck disable=SC2086
+  same log --xml -g $options trunk
+done
+same blame --xml -g trunk/a "$repository/trunk/a@9"
+normalise=cat
 
 [ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
 echo "all history commands agree with svn"

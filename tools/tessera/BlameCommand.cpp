@@ -14,6 +14,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -40,6 +41,7 @@ struct Settings {
     bool xml = false;
     bool incremental = false;
     bool local = false;
+    bool mergeHistory = false;
 };
 
 // The lines of a text without their line endings, as blame shows them.
@@ -61,35 +63,58 @@ std::vector<std::string> fileLines(const std::string& path)
 }
 
 // svn's columns: the revision in six, the author in ten, "-" for a line
-// changed in the working file.
-void appendLine(std::string& out, const LuSVNBlameSection& section, const std::string& line, bool verbose)
+// changed in the working file; with merge history a "G " for lines merged
+// from elsewhere, shown with the merged change and (-v) its path.
+void appendLine(std::string& out, const LuSVNBlameSection& section, const std::string& line, const Settings& settings)
 {
+    const bool merged = settings.mergeHistory && section.isMerged();
+    if (settings.mergeHistory)
+        out += merged ? "G " : "  ";
+    const auto revision = merged ? section.mergedOrigin()->revision : section.revision();
+    const auto& author = merged ? section.mergedOrigin()->author : section.author();
+    const auto& date = merged ? section.mergedOrigin()->date : section.date();
     char columns[32];
-    const bool committed = section.revision() >= 0;
-    std::snprintf(columns, sizeof columns, committed ? "%6lld " : "     - ",
-                  static_cast<long long>(section.revision()));
+    const bool committed = revision >= 0;
+    std::snprintf(columns, sizeof columns, committed ? "%6lld " : "     - ", static_cast<long long>(revision));
     out += columns;
-    const std::string author = committed && section.author() ? *section.author() : "-";
-    if (author.size() < 10)
-        out.append(10 - author.size(), ' ');
-    out += author + " ";
-    if (verbose)
-        out += (committed && section.date() ? humanDate(*section.date())
-                                           : "                                           -") +
-               " ";
+    // svn cuts the author to ten bytes unless the line shows the date too.
+    std::string authorText = committed && author ? *author : "-";
+    if (!settings.verbose)
+        authorText.resize(std::min<std::size_t>(authorText.size(), 10));
+    if (authorText.size() < 10)
+        out.append(10 - authorText.size(), ' ');
+    out += authorText + " ";
+    if (settings.verbose) {
+        out += (committed && date ? humanDate(*date) : "                                           -") + " ";
+        if (merged) {
+            const auto& path = section.mergedOrigin()->path;
+            out += path + std::string(path.size() < 14 ? 14 - path.size() : 0, ' ') + " ";
+        }
+    }
     out += line + "\n";
+}
+
+// svn's <commit> element of a revision.
+void appendXMLCommit(std::string& out, std::int64_t revision, const std::optional<std::string>& author,
+                     const std::optional<LuSVNBlameSection::Date>& date)
+{
+    appendXMLOpenTag(out, "commit", {{"revision", std::to_string(revision)}});
+    if (author)
+        appendXMLTaggedData(out, "author", *author);
+    if (date)
+        appendXMLTaggedData(out, "date", repositoryDate(*date));
+    out += "</commit>\n";
 }
 
 void appendXMLEntry(std::string& out, const LuSVNBlameSection& section, std::uint64_t line)
 {
     appendXMLOpenTag(out, "entry", {{"line-number", std::to_string(line + 1)}});
-    if (section.revision() >= 0) {
-        appendXMLOpenTag(out, "commit", {{"revision", std::to_string(section.revision())}});
-        if (section.author())
-            appendXMLTaggedData(out, "author", *section.author());
-        if (section.date())
-            appendXMLTaggedData(out, "date", repositoryDate(*section.date()));
-        out += "</commit>\n";
+    if (section.revision() >= 0)
+        appendXMLCommit(out, section.revision(), section.author(), section.date());
+    if (const auto& origin = section.mergedOrigin()) {
+        appendXMLOpenTag(out, "merged", {{"path", origin->path}});
+        appendXMLCommit(out, origin->revision, origin->author, origin->date);
+        out += "</merged>\n";
     }
     out += "</entry>\n";
 }
@@ -122,13 +147,14 @@ void blameTarget(const Settings& settings, const std::string& target, const LuSV
     std::vector<std::string> lines;
     if (settings.local) {
         const auto local = targetPath(pathText);
-        blame = LuSVNBlame::blameForPath(path, unspecified, start, LuSVNRevision::BASE(), options, context);
+        blame = LuSVNBlame::blameForPath(path, unspecified, start, LuSVNRevision::BASE(), options, context,
+                                         settings.mergeHistory);
         const auto pristine = LuSVNNode::BASEPathForNodeAtPath(local, context);
         blame->mergeDiff(*LuSVNDiff::compareOriginalFileAtPath(pristine, local, options, context), std::nullopt, -1,
                          std::nullopt);
         lines = fileLines(pathText);
     } else {
-        blame = LuSVNBlame::blameForPath(path, unspecified, start, end, options, context);
+        blame = LuSVNBlame::blameForPath(path, unspecified, start, end, options, context, settings.mergeHistory);
         if (working) {
             lines = fileLines(pathText);
         } else if (base) {
@@ -150,7 +176,7 @@ void blameTarget(const Settings& settings, const std::string& target, const LuSV
             if (settings.xml)
                 appendXMLEntry(out, *section, line);
             else
-                appendLine(out, *section, lines[line], settings.verbose);
+                appendLine(out, *section, lines[line], settings);
         }
         writeOutput(out);
         out.clear();
@@ -201,7 +227,8 @@ const TesseraCommand blameCommand(
      "Each line of the working file (of a URL at HEAD, or at the peg) is\n"
      "shown with the revision and author that last changed it; lines changed\n"
      "in the working file show \"-\". With -r N:M the lines of the file at M\n"
-     "as they came to be from N on; -r M is -r 1:M.\n"
+     "as they came to be from N on; -r M is -r 1:M. With -g, lines merged\n"
+     "from another branch show the change on that branch, marked \"G\".\n"
      "\n"
      "With --local, the blame of the base text is laid over the working\n"
      "file by comparing the two, instead of by Subversion's walk."},
@@ -213,6 +240,8 @@ const TesseraCommand blameCommand(
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
         addExtensionsOption(command, settings->extensions);
         addFlag(command, "--local", settings->local, "lay the committed blame over the working file's edits");
+        addFlag(command, "-g,--use-merge-history", settings->mergeHistory,
+                "use/display additional information from merge history");
         addArguments(command, settings->arguments);
         return [settings, &command] { return blame(command, *settings); };
     });

@@ -47,6 +47,7 @@ struct Settings {
     bool xml = false;
     bool incremental = false;
     bool diff = false;
+    bool mergeHistory = false;
     std::optional<std::string> extensions;
 };
 
@@ -108,7 +109,11 @@ LuSVNLogItem::Changes sortedChanges(const LuSVNLogItem& item)
     return changes;
 }
 
-void appendText(std::string& out, const LuSVNLogItem& item, const std::optional<std::string>& message, bool verbose)
+// The revisions that merged the item, outermost first.
+using MergeStack = std::vector<std::int32_t>;
+
+void appendText(std::string& out, const LuSVNLogItem& item, const std::optional<std::string>& message, bool verbose,
+                const MergeStack& mergedVia)
 {
     out += separator;
     out += "r" + std::to_string(item.revision()) + " | " + item.author().value_or("(no author)") + " | " +
@@ -129,13 +134,38 @@ void appendText(std::string& out, const LuSVNLogItem& item, const std::optional<
             out += '\n';
         }
     }
+    if (!mergedVia.empty()) {
+        out += item.isSubtractiveMerge() ? "Reverse merged via:" : "Merged via:";
+        for (std::size_t index = 0; index < mergedVia.size(); ++index)
+            out += " r" + std::to_string(mergedVia[index]) + (index + 1 == mergedVia.size() ? '\n' : ',');
+    }
     if (message)
         out += "\n" + *message + "\n";
 }
 
-void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<std::string>& message, bool verbose)
+const char* trueOrFalse(bool value)
 {
-    appendXMLOpenTag(out, "logentry", {{"revision", std::to_string(item.revision())}});
+    return value ? "true" : "false";
+}
+
+// svn's words for node kinds, "" for one the backend did not tell.
+const char* kindWord(LuSVNNodeKind kind)
+{
+    switch (kind) {
+    case LuSVNNodeKindFile: return "file";
+    case LuSVNNodeKindDirectory: return "dir";
+    default: return "";
+    }
+}
+
+// Without its closing tag: the merged revisions come first.
+void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<std::string>& message, bool verbose,
+               const MergeStack& mergedVia)
+{
+    std::vector<std::pair<std::string, std::string>> entryAttributes{{"revision", std::to_string(item.revision())}};
+    if (!mergedVia.empty())
+        entryAttributes.emplace_back("reverse-merge", trueOrFalse(item.isSubtractiveMerge()));
+    appendXMLOpenTag(out, "logentry", entryAttributes);
     if (item.author())
         appendXMLTaggedData(out, "author", *item.author());
     if (item.date())
@@ -149,6 +179,13 @@ void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<s
                 attributes.emplace_back("copyfrom-path", *change->copyPath());
                 attributes.emplace_back("copyfrom-rev", std::to_string(change->copyRevision()));
             }
+            // svn stops at the first flag its backend could not tell.
+            attributes.emplace_back("kind", kindWord(change->nodeKind()));
+            if (change->textModified()) {
+                attributes.emplace_back("text-mods", trueOrFalse(*change->textModified()));
+                if (change->propertiesModified())
+                    attributes.emplace_back("prop-mods", trueOrFalse(*change->propertiesModified()));
+            }
             appendXMLOpenTag(out, "path", attributes, true);
             appendXMLData(out, change->path());
             out += "</path>\n";
@@ -157,7 +194,6 @@ void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<s
     }
     if (message)
         appendXMLTaggedData(out, "msg", *message);
-    out += "</logentry>\n";
 }
 
 // With --diff, what each revision changed below the target, between
@@ -187,27 +223,46 @@ public:
 
     bool logItemReceived(const std::shared_ptr<LuSVNLogItem>& item) override
     {
-        // svn does not fetch the message when quiet.
-        std::optional<std::string> message = settings_.quiet ? std::nullopt : item->message();
-        if (item->revision() == 0 && !message)
-            return true;
-        if (!settings_.quiet && !message && !settings_.xml)
-            message = "";
-        if (!matchesSearch(settings_, *item, message))
-            return true;
-        out_.clear();
-        if (settings_.xml)
-            appendXML(out_, *item, message, settings_.verbose);
-        else
-            appendText(out_, *item, message, settings_.verbose);
-        writeOutput(out_);
-        if (diffs_ && item->revision() > 0)
-            diffs_->write(item->revision());
+        MergeStack mergedVia;
+        print(*item, mergedVia);
         return true;
     }
     bool keepsLogItems() const override { return false; }
 
 private:
+    // The item, then the revisions it merged, each saying which revisions
+    // merged it.
+    void print(const LuSVNLogItem& item, MergeStack& mergedVia)
+    {
+        // svn does not fetch the message when quiet.
+        std::optional<std::string> message = settings_.quiet ? std::nullopt : item.message();
+        if (item.revision() == 0 && !message)
+            return;
+        if (!settings_.quiet && !message && !settings_.xml)
+            message = "";
+        const bool shown = matchesSearch(settings_, item, message);
+        if (shown) {
+            out_.clear();
+            if (settings_.xml)
+                appendXML(out_, item, message, settings_.verbose, mergedVia);
+            else
+                appendText(out_, item, message, settings_.verbose, mergedVia);
+            writeOutput(out_);
+            if (diffs_ && item.revision() > 0)
+                diffs_->write(item.revision());
+        }
+        if (!item.children().empty()) {
+            mergedVia.push_back(item.revision());
+            for (const auto& child : item.children())
+                print(*child, mergedVia);
+            mergedVia.pop_back();
+        }
+        // As svn: the end of the merged revisions closes the entry even when
+        // the search left out its start.
+        if (settings_.xml && (shown || !item.children().empty()))
+            writeOutput("</logentry>\n");
+    }
+
     const Settings& settings_;
     std::optional<RevisionDiffs> diffs_;
     std::string out_;
@@ -257,6 +312,7 @@ int log(const Settings& settings)
         options.setPegRevision(peg->keyRevision());
     options.setDiscoverChangedPaths(settings.verbose);
     options.setTraverseCopyHistory(!settings.stopOnCopy);
+    options.setIncludeMergedRevisions(settings.mergeHistory);
 
     TesseraOperation operation(url ? target : absoluteTargetPath(target), {true, false});
     const LuSVNNode::Path path = url ? LuSVNNode::Path(commandLineURL(target))
@@ -296,7 +352,10 @@ const TesseraCommand logCommand(
      "revisions that match any; --search-and narrows the last one.\n"
      "\n"
      "With --diff each revision's changes below the target follow its log\n"
-     "message as a unified diff."},
+     "message as a unified diff.\n"
+     "\n"
+     "With -g the revisions merged by each revision follow it, each with a\n"
+     "line naming the revisions that merged it."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
         addRevisionRangeOption(command, settings->revision);
@@ -307,6 +366,8 @@ const TesseraCommand logCommand(
             command, "-l,--limit", [settings](const std::string& text) { settings->limit = text; },
             "maximum number of log entries");
         addFlag(command, "--stop-on-copy", settings->stopOnCopy, "do not cross copies while traversing history");
+        addFlag(command, "-g,--use-merge-history", settings->mergeHistory,
+                "use/display additional information from merge history");
         addFlag(command, "--xml", settings->xml, "output in XML");
         addFlag(command, "--incremental", settings->incremental, "give output suitable for concatenation");
         addFlag(command, "--diff", settings->diff, "produce diff output");
