@@ -19,6 +19,8 @@
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNURL.h>
 
+/// Where a source and a target stand in merging with each other, as
+/// LuSVNNode::mergingSummaryForNodeAtPath answers it.
 class TESSERA_EXPORT LuSVNMergingSummary final {
 public:
     /// A node of the repository at a revision.
