@@ -35,36 +35,19 @@ fixture=$(cd "$fixture" && pwd)
 config=$(mktemp -d)
 trap 'rm -rf "$config"' EXIT
 
-python3 - "$build/bin/tessera" "$repository" "$fixture/wc" "$config" "$repetitions" <<'EOF'
-import os, random, statistics, subprocess, sys, time
+python3 - "$here/scripts" "$build/bin/tessera" "$repository" "$fixture/wc" "$config" "$repetitions" <<'EOF'
+import sys
 
-tessera, repository, wc, config, repetitions = sys.argv[1:5] + [int(sys.argv[5])]
+sys.path.insert(0, sys.argv[1])
+from side_by_side import compare
+
+tessera, repository, wc, config, repetitions = sys.argv[2:6] + [int(sys.argv[6])]
 url = "file://" + repository
-programs = {"svn": "svn", "tessera": tessera}
-cases = {
+compare({"svn": "svn", "tessera": tessera}, {
     "log -v": ["log", "-v", url],
     "log --xml -v": ["log", "--xml", "-v", url],
     "blame": ["blame", "blamed.txt"],
-}
-times = {(case, name): [] for case in cases for name in programs}
-for _ in range(repetitions):
-    runs = [(case, name) for case in cases for name in programs]
-    random.shuffle(runs)
-    for case, name in runs:
-        start = time.monotonic()
-        child = subprocess.Popen([programs[name], "--config-dir", config, "--non-interactive"] + cases[case],
-                                 cwd=wc, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-        _, status, usage = os.wait4(child.pid, 0)
-        if os.waitstatus_to_exitcode(status) != 0:
-            sys.exit(f"{name} {' '.join(cases[case])} failed")
-        times[case, name].append((time.monotonic() - start, usage.ru_utime + usage.ru_stime, usage.ru_maxrss))
-
-print(f"medians of {repetitions}: wall s, cpu s, peak KiB; ratio tessera / svn (wall, cpu)")
-for case in cases:
-    medians = {name: [statistics.median(run[i] for run in times[case, name]) for i in range(3)] for name in programs}
-    svn, ours = medians["svn"], medians["tessera"]
-    print(f"{case:14} svn {svn[0]:7.3f} {svn[1]:7.3f} {svn[2]:8.0f}   tessera {ours[0]:7.3f} {ours[1]:7.3f} "
-          f"{ours[2]:8.0f}   ratio {ours[0] / svn[0]:.2f} {ours[1] / svn[1]:.2f}")
+}, repetitions, wc, config)
 EOF
 
 TESSERA_BENCH_REPOSITORY=$repository "$build/bin/log_benchmark" --benchmark_repetitions="$repetitions" \

@@ -51,6 +51,7 @@
 #include <tessera/LuSVNExternalDefinition.h>
 #include <tessera/LuSVNLocalPath.h>
 #include <tessera/LuSVNLock.h>
+#include <tessera/LuSVNMergingSummary.h>
 #include <tessera/LuSVNOptions.h>
 #include <tessera/LuSVNPath.h>
 #include <tessera/LuSVNRevisionSpec.h>
@@ -828,6 +829,21 @@ public:
         const MergeRevision& mergeSourcePegRevision, bool includingRevisions,
         const std::shared_ptr<LuSVNLogMessageReceiverDelegate>& delegate, bool discoverChangedPaths,
         const Context& context);
+
+    // --- Merging summary -------------------------------------------------------------
+    //
+    // Where the source and the target stand in merging with each other, as
+    // svn mergeinfo draws it: the youngest common ancestor, the base of the
+    // next automatic merge, the tip of the source and the target. A path in
+    // a working copy stands for its node at the given revision. Needs
+    // Subversion 1.8 or newer: older backends raise
+    // LuSVNInvalidArgumentException "Merging summary requires 1.8 or newer".
+
+    /// The merging summary of the source at sourceRevision and the target
+    /// at targetRevision (URLs or working-copy paths).
+    static LuSVNMergingSummary mergingSummaryForNodeAtPath(const Path& sourcePath, const MergeRevision& sourceRevision,
+                                                           const Path& targetPath, const MergeRevision& targetRevision,
+                                                           const Context& context);
 
 protected:
     LuSVNNode() = default;

@@ -65,6 +65,7 @@
 #include <tessera/LuSVNLogOptions.h>
 #include <tessera/LuSVNLogPathChange.h>
 #include <tessera/LuSVNMergeInfo.h>
+#include <tessera/LuSVNMergingSummary.h>
 #include <tessera/LuSVNMergeOptions.h>
 #include <tessera/LuSVNMergeRevisionRange.h>
 #include <tessera/LuSVNMineRevision.h>

@@ -94,4 +94,25 @@ twin_both '
 twin_step merge --reintegrate @URL@/branches/b1 wc-trunk
 merge_compare wc-trunk
 twin_step commit -m "reintegrate" wc-trunk
+
+# The merging summary of a second branch before and after a sync merge and
+# of the branch back into trunk, of two sibling branches, of a target at a
+# revision and by URL, and svn's refusals of the form.
+twin_both '
+  $svn update -q wc-trunk
+  $svn copy -q -m "branch two" "$url/trunk" "$url/branches/b2"
+  $svn checkout -q "$url/branches/b2" wc2
+  printf "t\n" > wc-trunk/t.txt && $svn add -q wc-trunk/t.txt && $svn commit -q -m "trunk file" wc-trunk'
+twin_step mergeinfo @URL@/trunk wc2
+twin_both '
+  $svn merge -q "$url/trunk" wc2 && $svn commit -q -m "sync two" wc2
+  printf "b2\n" > wc2/b2.txt && $svn add -q wc2/b2.txt && $svn commit -q -m "branch two file" wc2
+  $svn update -q wc2 wc-trunk'
+twin_step mergeinfo @URL@/trunk wc2
+twin_step mergeinfo @URL@/branches/b2 wc-trunk
+twin_step mergeinfo @URL@/branches/b1 @URL@/branches/b2
+twin_step mergeinfo @URL@/trunk@12 wc2@13
+twin_step mergeinfo @URL@/trunk wc2@HEAD
+twin_step mergeinfo -R @URL@/trunk wc2
+twin_step mergeinfo
 twin_finish

@@ -1,3 +1,5 @@
+// tessera mergeinfo SOURCE[@REV] [TARGET[@REV]]: the diagram of where source
+// and target stand in merging with each other, as svn mergeinfo draws it.
 // tessera mergeinfo --show-revs eligible|merged [SOURCE[@REV] [TARGET[@REV]]]:
 // the revisions of a merge source already merged into a target, or still
 // eligible for merging, one "rN" a line, as svn mergeinfo lists them.
@@ -5,6 +7,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -49,11 +55,95 @@ LuSVNNode::MergeRevision revisionOf(const std::string& path, const std::shared_p
     return isURL(path) ? LuSVNRevision::HEAD() : LuSVNRevision::BASE();
 }
 
+// The number left-aligned in a field of eight, as printf's "%-8ld".
+std::string revisionField(std::int32_t revision)
+{
+    std::string text = std::to_string(revision);
+    return text.size() < 8 ? text + std::string(8 - text.size(), ' ') : text;
+}
+
+// svn mergeinfo's graph: four columns (the ancestor, a spacer, the last full
+// merge, the tips), the source's line above the target's, the revisions in
+// the two rows above and below. An empty cell is drawn as spaces as wide as
+// its column.
+std::string mergingDiagram(const LuSVNMergingSummary& summary, bool targetIsWorkingCopy)
+{
+    const auto& ancestor = summary.youngestCommonAncestor();
+    const auto& base = summary.base();
+    std::array<std::array<std::string, 4>, 8> cells;
+    // Fills a column downwards from the row.
+    const auto fill = [&cells](std::size_t column, std::size_t row, std::initializer_list<std::string> texts) {
+        for (const auto& text : texts)
+            cells[row++][column] = text;
+    };
+    fill(0, 0, {"  " + revisionField(ancestor.revision) + "  ", "  |         "});
+    // Which line the other was made from, if either.
+    if (ancestor.url->string() == summary.right().url->string())
+        fill(0, 2, {"-------| |--", "   \\        ", "    \\       ", "     --| |--"});
+    else if (ancestor.url->string() == summary.target().url->string())
+        fill(0, 2, {"     --| |--", "    /       ", "   /        ", "-------| |--"});
+    else
+        fill(0, 2, {"     --| |--", "... /       ", "    \\       ", "     --| |--"});
+    if (base.revision <= ancestor.revision)
+        fill(2, 2, {"---------", "         ", "         ", "---------"});
+    else if (summary.needsReintegration())
+        fill(2, 2, {"---------", "  /      ", " /       ", "---------", "|        ", revisionField(base.revision) + " "});
+    else
+        fill(2, 0, {revisionField(base.revision) + " ", "|        ", "---------", " \\       ", "  \\      ", "---------"});
+    fill(3, 0, {revisionField(summary.right().revision), "|       ", "-       ", "        ", "        ", "-       ",
+                "|       ", targetIsWorkingCopy ? "WC      " : revisionField(summary.target().revision)});
+
+    std::array<std::size_t, 4> widths{};
+    for (const auto& row : cells)
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], row[column].size());
+    std::string text = "    youngest common ancestor\n"
+                       "    |         last full merge\n"
+                       "    |         |        tip of branch\n"
+                       "    |         |        |         repository path\n"
+                       "\n";
+    for (std::size_t row = 0; row < cells.size(); ++row) {
+        text += "  ";
+        for (std::size_t column = 0; column < widths.size(); ++column)
+            text += cells[row][column].empty() ? std::string(widths[column], ' ') : cells[row][column];
+        if (row == 2)
+            text += "  " + summary.repositoryPathOf(summary.right());
+        if (row == 5)
+            text += "  " + summary.repositoryPathOf(summary.target());
+        text += "\n";
+    }
+    return text;
+}
+
+// The summary form: SOURCE is required; its revision defaults to HEAD even
+// for a working-copy path, as svn's does.
+int mergingSummary(const CLI::App& command, const Settings& settings)
+{
+    // svn mergeinfo's own wording and code, not the general usage error's.
+    if (settings.arguments.empty())
+        throwUsageError(command.get_name(), TesseraArgumentParsingError, "Not enough arguments given");
+    checkArgumentCount(command, settings.arguments, 1, 2);
+    if (settings.recursive)
+        throwUsageError(command.get_name(), TesseraArgumentParsingError,
+                        "Depth specification options valid only with --show-revs option");
+    const auto [source, sourcePeg] = splitPegRevision(settings.arguments[0]);
+    const auto [target, targetPeg] = splitPegRevision(settings.arguments.size() > 1 ? settings.arguments[1] : ".");
+    TesseraOperation operation(isURL(target) ? std::string(".") : target, {true, false});
+    const auto targetRevision = revisionOf(target, targetPeg);
+    const bool targetIsWorkingCopy = !isURL(target) && (targetRevision->isEqual(LuSVNRevision::BASE()) ||
+                                                        targetRevision->isEqual(LuSVNRevision::WORKING()));
+    const auto summary = LuSVNNode::mergingSummaryForNodeAtPath(
+        pathOf(source), sourcePeg ? sourcePeg->keyRevision() : LuSVNRevision::HEAD(), pathOf(target), targetRevision,
+        operation.context());
+    writeOutput(mergingDiagram(summary, targetIsWorkingCopy));
+    return 0;
+}
+
 int mergeinfo(const CLI::App& command, const Settings& settings)
 {
-    checkArgumentCount(command, settings.arguments, 0, 2);
     if (!settings.showRevisions)
-        raiseArgumentError("Only the --show-revs form of mergeinfo is available");
+        return mergingSummary(command, settings);
+    checkArgumentCount(command, settings.arguments, 0, 2);
     const bool eligible = *settings.showRevisions == "eligible";
     if (!eligible && *settings.showRevisions != "merged")
         raiseArgumentError("'" + *settings.showRevisions + "' is not a valid --show-revs value");
@@ -87,10 +177,14 @@ const TesseraCommand mergeinfoCommand(
     {"mergeinfo",
      {},
      "Display merge-related information.",
-     "mergeinfo --show-revs eligible|merged [SOURCE[@REV] [TARGET[@REV]]]",
-     "Lists the revisions of SOURCE merged into TARGET (default '.'), or\n"
-     "still eligible for merging into it, one a line, as svn mergeinfo.\n"
-     "Without SOURCE, the source Subversion suggests for TARGET."},
+     "mergeinfo SOURCE[@REV] [TARGET[@REV]]\n"
+     "       mergeinfo --show-revs eligible|merged [SOURCE[@REV] [TARGET[@REV]]]",
+     "Without --show-revs, draws where SOURCE and TARGET (default '.') stand\n"
+     "in merging with each other: their youngest common ancestor, the last\n"
+     "full merge in either direction and the tips of both, as svn mergeinfo.\n"
+     "With it, lists the revisions of SOURCE merged into TARGET, or still\n"
+     "eligible for merging into it, one a line; without SOURCE, the source\n"
+     "Subversion suggests for TARGET."},
     [](CLI::App& command) -> TesseraCommand::Action {
         auto settings = std::make_shared<Settings>();
         addOption(
