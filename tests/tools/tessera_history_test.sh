@@ -206,5 +206,56 @@ same diff -c x
 same diff -x --nonsense
 same diff no-such-file
 
+# Summaries (svn prints the XML attributes in hash order: compared sorted),
+# git's format, property changes alone and copies as additions, of local
+# edits with an added, a deleted and a copied file and a property change, and
+# between revisions of URLs.
+summary_xml() {
+  awk '
+    /^<path$/ { inpath = 1; n = 0; next }
+    inpath {
+      a = substr($0, 4); rest = ""; at = index(a, "\">")
+      if (at > 0) { rest = substr(a, at + 1); a = substr(a, 1, at) }
+      q[++n] = a
+      if (rest != "") {
+        for (i = 2; i <= n; i++) for (j = i; j > 1 && q[j - 1] > q[j]; j--) { t = q[j]; q[j] = q[j - 1]; q[j - 1] = t }
+        line = "<path"; for (i = 1; i <= n; i++) line = line " " q[i]
+        print line rest; inpath = 0
+      }
+      next
+    }
+    { print }'
+}
+svn revert -q -R .
+svn copy -q trunk/b trunk/c
+printf 'new\n' > trunk/new
+svn add -q trunk/new
+svn delete -q "trunk/gr\303\274n.txt"
+svn propset -q colour red trunk/a
+printf 'edited\n' >> trunk/b
+for options in "" "-r 1:4" "-c 3" "-c 6" "--notice-ancestry -c 6" -N; do
+  # shellcheck disable=SC2086
+  same diff --summarize $options
+done
+same diff --summarize trunk
+same diff --summarize "$work/wc/trunk"
+same diff --summarize -r 1:HEAD "$repository/trunk"
+same diff --summarize -c 3 "$repository"
+same diff --summarize "$repository/trunk@1" "$repository/branch"
+normalise=summary_xml
+same diff --summarize --xml
+same diff --summarize --xml -r 1:HEAD "$repository/trunk"
+normalise=cat
+same diff --xml
+same diff --summarize --git
+for options in --git --properties-only "--git --properties-only" --show-copies-as-adds "--git --show-copies-as-adds"; do
+  # shellcheck disable=SC2086
+  same diff $options
+  # shellcheck disable=SC2086
+  same diff $options -r 1:HEAD "$repository/trunk"
+  # shellcheck disable=SC2086
+  same diff $options -c 3 trunk
+done
+
 [ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
 echo "all history commands agree with svn"
