@@ -288,13 +288,19 @@ TEST(LuSVNDiffTest, StreamFailureReachesTheCaller)
 {
     const auto& repository = HistoryRepository::shared();
     const auto url = LuSVNURL::URLWithString(repository.url());
-    try {
-        LuSVNDiff::compareOriginalAtPath(url, LuSVNRevision::revisionWithNumber(1), url,
-                                         LuSVNRevision::revisionWithNumber(6), nullptr,
-                                         std::make_shared<FailingStream>(), LuSVNDiffOptions(), repository.context());
-        FAIL() << "no exception";
-    } catch (const LuSVNException& exception) {
-        EXPECT_STREQ(exception.what(), "Unable to write data to output stream");
+    // Through the copying thread, and (git format) written by Subversion itself.
+    for (const bool git : {false, true}) {
+        SCOPED_TRACE(git ? "git format" : "plain");
+        LuSVNDiffOptions options;
+        options.setUseGitDiffFormat(git);
+        try {
+            LuSVNDiff::compareOriginalAtPath(url, LuSVNRevision::revisionWithNumber(1), url,
+                                             LuSVNRevision::revisionWithNumber(6), nullptr,
+                                             std::make_shared<FailingStream>(), options, repository.context());
+            ADD_FAILURE() << "no exception";
+        } catch (const LuSVNException& exception) {
+            EXPECT_STREQ(exception.what(), "Unable to write data to output stream");
+        }
     }
 }
 
