@@ -163,6 +163,17 @@ public:
                                       const Path& relativeToPath,
                                       const std::shared_ptr<LuSVNOutputStream>& outputStream,
                                       const LuSVNDiffOptions& options, const Context& context);
+    /// The same for one location as it was at pegRevision, between
+    /// startRevision and endRevision (svn diff -r N:M TARGET@PEG), written by
+    /// Subversion 1.8's diff on the calling thread; older backends raise
+    /// LuSVNException "The peg form of the diff requires 1.8 or greater".
+    /// Raises "Invalid parameter not satisfying: path != nil" (and
+    /// "pegRevision != nil", "startRevision != nil", "endRevision != nil",
+    /// "outputStream != nil", "context != nil") and Subversion's errors.
+    static void compareAtPath(const Path& path, const Revision& pegRevision, const Revision& startRevision,
+                              const Revision& endRevision, const Path& relativeToPath,
+                              const std::shared_ptr<LuSVNOutputStream>& outputStream,
+                              const LuSVNDiffOptions& options, const Context& context);
     /// The file form without relativeToPath.
     static void compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
                                       const Path& modifiedPath, const Revision& modifiedRevision,

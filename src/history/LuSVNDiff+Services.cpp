@@ -245,6 +245,12 @@ apr_array_header_t* extensionOptions(const LuSVNDiffOptions& options, apr_pool_t
     return diffOptions;
 }
 
+// Where an external diff program's complaints go, as svn sends them.
+svn_stream_t* errorStream(apr_pool_t* pool)
+{
+    return LuSVNAdaptOutputStream(LuSVNStdOutputStream::streamWithStream(std::cerr), pool);
+}
+
 // Subversion 1.8's diff writes to a Subversion stream, so the application's
 // stream is written on the calling thread.
 void writeNewerLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
@@ -262,15 +268,13 @@ void writeNewerLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff
     const svn_opt_revision_t revision1 = originalRevision->SVNRevision();
     const svn_opt_revision_t revision2 = modifiedRevision->SVNRevision();
     svn_stream_t* stream = LuSVNAdaptOutputStream(output, pool);
-    // Where an external diff program's complaints go, as svn sends them.
-    svn_stream_t* errors = LuSVNAdaptOutputStream(LuSVNStdOutputStream::streamWithStream(std::cerr), pool);
     context->throwIfError(LuSVNExtensionEntry<4>()(
         extensionOptions(options, pool), originalPath->SVNRepresentationInPool(pool), &revision1,
         modifiedPath->SVNRepresentationInPool(pool), &revision2,
         relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
         options.recursive() ? svn_depth_infinity : svn_depth_files, !options.noticeAncestry(), false,
         !options.diffDeleted(), options.showCopiesAsAdds(), false, false, options.propertiesOnly(),
-        options.useGitDiffFormat(), LuSVNLocaleCharset, stream, errors, nullptr, context->ctx(), pool));
+        options.useGitDiffFormat(), LuSVNLocaleCharset, stream, errorStream(pool), nullptr, context->ctx(), pool));
     LuSVNThrowIfError(LuSVNEntry<112>()(stream));
 }
 
@@ -478,4 +482,38 @@ void LuSVNDiff::compareOriginalAtPath(const Path& originalPath, const Revision& 
     writeLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
                       pipe.writePath(), options, context);
     pipe.finish();
+}
+
+void LuSVNDiff::compareAtPath(const Path& path, const Revision& pegRevision, const Revision& startRevision,
+                              const Revision& endRevision, const Path& relativeToPath,
+                              const std::shared_ptr<LuSVNOutputStream>& outputStream,
+                              const LuSVNDiffOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(pegRevision != nullptr, "pegRevision != nil");
+    LUSVN_PARAMETER_ASSERT(startRevision != nullptr, "startRevision != nil");
+    LUSVN_PARAMETER_ASSERT(endRevision != nullptr, "endRevision != nil");
+    LUSVN_PARAMETER_ASSERT(outputStream != nullptr, "outputStream != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDiff", "compareAtPath:pegRevision:startRevision:endRevision:relativeToPath:outputStream:"
+                "options:context",
+                {"path", path->string()}, {"pegRevision", pegRevision->description()},
+                {"startRevision", startRevision->description()}, {"endRevision", endRevision->description()},
+                {"relativeToPath", relativeToPath ? relativeToPath->string() : "(null)"},
+                {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    if (!tessera_private::LuSVNCurrentHasExtensionEntryPoint(5))
+        throw LuSVNException("The peg form of the diff requires 1.8 or greater");
+    apr_pool_t* pool = frame.pool();
+    const svn_opt_revision_t peg = pegRevision->SVNRevision();
+    const svn_opt_revision_t start = startRevision->SVNRevision();
+    const svn_opt_revision_t end = endRevision->SVNRevision();
+    svn_stream_t* stream = LuSVNAdaptOutputStream(outputStream, pool);
+    context->throwIfError(LuSVNExtensionEntry<5>()(
+        extensionOptions(options, pool), path->SVNRepresentationInPool(pool), &peg, &start, &end,
+        relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
+        options.recursive() ? svn_depth_infinity : svn_depth_files, !options.noticeAncestry(), false,
+        !options.diffDeleted(), options.showCopiesAsAdds(), false, false, options.propertiesOnly(),
+        options.useGitDiffFormat(), LuSVNLocaleCharset, stream, errorStream(pool), nullptr, context->ctx(), pool));
+    LuSVNThrowIfError(LuSVNEntry<112>()(stream));
 }

@@ -509,6 +509,36 @@ TEST(LuSVNDiffTest, NewerDiffsMatchSvnAndOlderBackendsRefuseThem)
     }
 }
 
+TEST(LuSVNDiffTest, PegDiffFollowsTheLocationAsItWasAtThePeg)
+{
+    const auto& repository = HistoryRepository::shared();
+    // trunk/a.txt was moved away in r4: only its peg finds it.
+    const std::string file = repository.url() + "/trunk/a.txt";
+    const auto r1 = LuSVNRevision::revisionWithNumber(1), r2 = LuSVNRevision::revisionWithNumber(2);
+    for (const bool git : {false, true}) {
+        SCOPED_TRACE(git ? "git format" : "plain");
+        LuSVNDiffOptions options;
+        options.setUseGitDiffFormat(git);
+        std::vector<std::string> arguments = {"diff", "-r", "1:2", file + "@3"};
+        if (git)
+            arguments.push_back("--git");
+        std::ostringstream stream;
+        LuSVNDiff::compareAtPath(LuSVNURL::URLWithString(file), LuSVNRevision::revisionWithNumber(3), r1, r2, nullptr,
+                                 LuSVNStdOutputStream::streamWithStream(stream), options, repository.context());
+        EXPECT_EQ(stream.str(), tessera_history_test::svnOrThrow(arguments));
+        EXPECT_NE(stream.str(), "");
+    }
+    try {
+        std::ostringstream stream;
+        LuSVNDiff::compareAtPath(LuSVNURL::URLWithString(file), LuSVNRevision::revisionWithNumber(3), r1, r2, nullptr,
+                                 LuSVNStdOutputStream::streamWithStream(stream), LuSVNDiffOptions(),
+                                 repository.context(TESSERA_TEST_BUNDLE_1_6_23));
+        FAIL() << "a 1.6 backend wrote the diff";
+    } catch (const LuSVNException& exception) {
+        EXPECT_STREQ(exception.what(), "The peg form of the diff requires 1.8 or greater");
+    }
+}
+
 TEST(LuSVNDiffTest, CoalescingMergesRunsOfOneType)
 {
     auto diff = LuSVNDiff::diff();
