@@ -12,6 +12,11 @@
 #   log -v          of the whole repository, output to /dev/null
 #   log --xml -v    the same in XML
 #   blame           of the file changed in BLAMED revisions, in the working copy
+#   diff            of the 100,000-file working copy with its local edits
+#                   (scripts/make-large-working-copy.sh under
+#                   $TESSERA_BENCH_LARGE, default FIXTURE-DIR-large; about
+#                   600 files edited, 100 with property changes, 100 added,
+#                   100 deleted, 50 missing)
 #
 # with svn and with tessera, printing the medians (wall, the child's processor
 # time, its peak memory) and the ratios tessera / svn; then log_benchmark: the
@@ -32,21 +37,23 @@ cmake --build "$build" --target tessera_cli tessera_backend_svn log_benchmark
 repository=$("$here/scripts/make-history-fixture.sh" "$fixture" "${TESSERA_BENCH_REVISIONS:-10000}" \
     "${TESSERA_BENCH_BLAMED:-1000}" | tail -1)
 fixture=$(cd "$fixture" && pwd)
+large=$("$here/scripts/make-large-working-copy.sh" "${TESSERA_BENCH_LARGE:-$fixture-large}" | tail -1)
 config=$(mktemp -d)
 trap 'rm -rf "$config"' EXIT
 
-python3 - "$here/scripts" "$build/bin/tessera" "$repository" "$fixture/wc" "$config" "$repetitions" <<'EOF'
+python3 - "$here/scripts" "$build/bin/tessera" "$repository" "$fixture/wc" "$config" "$repetitions" "$large" <<'EOF'
 import sys
 
 sys.path.insert(0, sys.argv[1])
 from side_by_side import compare
 
-tessera, repository, wc, config, repetitions = sys.argv[2:6] + [int(sys.argv[6])]
+tessera, repository, wc, config, repetitions, large = sys.argv[2:6] + [int(sys.argv[6]), sys.argv[7]]
 url = "file://" + repository
 compare({"svn": "svn", "tessera": tessera}, {
     "log -v": ["log", "-v", url],
     "log --xml -v": ["log", "--xml", "-v", url],
     "blame": ["blame", "blamed.txt"],
+    "diff (100,000 files)": (["diff"], large),
 }, repetitions, wc, config)
 EOF
 

@@ -13,7 +13,8 @@ import time
 
 
 def compare(programs, cases, repetitions, cwd, config, prepare=None):
-    """programs: name -> executable; cases: name -> arguments after the program.
+    """programs: name -> executable; cases: name -> arguments after the program, or
+    (arguments, directory) for a case that runs elsewhere than in cwd.
 
     prepare(case), when given, runs before each run of a case and is not timed.
     """
@@ -24,12 +25,13 @@ def compare(programs, cases, repetitions, cwd, config, prepare=None):
         for case, name in runs:
             if prepare:
                 prepare(case)
+            arguments, directory = cases[case] if isinstance(cases[case], tuple) else (cases[case], cwd)
             start = time.monotonic()
-            child = subprocess.Popen([programs[name], "--config-dir", config, "--non-interactive"] + cases[case],
-                                     cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+            child = subprocess.Popen([programs[name], "--config-dir", config, "--non-interactive"] + arguments,
+                                     cwd=directory, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
             _, status, usage = os.wait4(child.pid, 0)
             if os.waitstatus_to_exitcode(status) != 0:
-                sys.exit(f"{name} {' '.join(cases[case])} failed")
+                sys.exit(f"{name} {' '.join(arguments)} failed")
             times[case, name].append((time.monotonic() - start, usage.ru_utime + usage.ru_stime, usage.ru_maxrss))
 
     print(f"medians of {repetitions}: wall s, cpu s, peak KiB; ratio tessera / svn (wall, cpu)")

@@ -8,10 +8,17 @@
 // working-copy or repository locations at revisions. Files that begin with a
 // UTF-16 byte-order mark are compared through UTF-8 temporary copies (the
 // differ works on bytes); the copies are removed whatever happens.
+//
+// A summary lists the changed items between two locations, each handed to
+// the receiver as Subversion reports it:
+//
+//   LuSVNDiff::summarizeOriginalAtPath(url, r1, url, r2, LuSVNDiffOptions(),
+//       [](const LuSVNDiffSummary& item) { list(item); }, context);
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +26,7 @@
 
 #include <tessera/LuSVNDiffOptions.h>
 #include <tessera/LuSVNDiffSection.h>
+#include <tessera/LuSVNDiffSummary.h>
 #include <tessera/LuSVNExport.h>
 #include <tessera/LuSVNLocalPath.h>
 #include <tessera/LuSVNPath.h>
@@ -47,6 +55,9 @@ public:
     using Revision = std::shared_ptr<const LuSVNRevision>;
     /// The context an operation runs in.
     using Context = std::shared_ptr<LuSVNContext>;
+    /// Hears of each summarised item as it arrives; what it throws stops the
+    /// summary and reaches the caller.
+    using SummaryReceiver = std::function<void(const LuSVNDiffSummary&)>;
 
     /// An empty diff.
     static std::shared_ptr<LuSVNDiff> diff();
@@ -133,15 +144,18 @@ public:
     /// != nil" (and "originalRevision != nil", "modifiedPath != nil",
     /// "modifiedRevision != nil", "path != nil", "context != nil"),
     /// LuSVNException "Failed to create diff output file", and Subversion's
-    /// errors.
+    /// errors. With useGitDiffFormat, propertiesOnly or showCopiesAsAdds the
+    /// backend must be 1.8 or newer, else LuSVNException "Git diffs,
+    /// properties-only diffs and copies shown as additions require 1.8 or
+    /// greater".
     static void compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
                                       const Path& modifiedPath, const Revision& modifiedRevision,
                                       const Path& relativeToPath, const LocalPath& outputPath,
                                       const LuSVNDiffOptions& options, const Context& context);
     /// The same written to the stream as Subversion produces it, so a large
-    /// tree's diff is never held whole (the stream is written from a thread
-    /// of the library's own while the call runs; the call returns once all of
-    /// it was written). Raises "Invalid parameter not satisfying:
+    /// tree's diff is never held whole (before 1.8's options are used, the
+    /// stream is written from a thread of the library's own while the call
+    /// runs; the call returns once all of it was written). Raises "Invalid parameter not satisfying:
     /// outputStream != nil", the stream's failure "Unable to write data to
     /// output stream", and the failures above.
     static void compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
@@ -149,11 +163,41 @@ public:
                                       const Path& relativeToPath,
                                       const std::shared_ptr<LuSVNOutputStream>& outputStream,
                                       const LuSVNDiffOptions& options, const Context& context);
+    /// The same for one location as it was at pegRevision, between
+    /// startRevision and endRevision (svn diff -r N:M TARGET@PEG), written by
+    /// Subversion 1.8's diff on the calling thread; older backends raise
+    /// LuSVNException "The peg form of the diff requires 1.8 or greater".
+    /// Raises "Invalid parameter not satisfying: path != nil" (and
+    /// "pegRevision != nil", "startRevision != nil", "endRevision != nil",
+    /// "outputStream != nil", "context != nil") and Subversion's errors.
+    static void compareAtPath(const Path& path, const Revision& pegRevision, const Revision& startRevision,
+                              const Revision& endRevision, const Path& relativeToPath,
+                              const std::shared_ptr<LuSVNOutputStream>& outputStream,
+                              const LuSVNDiffOptions& options, const Context& context);
     /// The file form without relativeToPath.
     static void compareOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
                                       const Path& modifiedPath, const Revision& modifiedRevision,
                                       const LocalPath& outputPath, const LuSVNDiffOptions& options,
                                       const Context& context);
+
+    /// Hands the receiver each item that differs between the two locations
+    /// (svn diff --summarize OLD NEW), with depth and ancestry from the
+    /// options. Needs a backend of 1.5 or newer; older ones raise
+    /// LuSVNException "Diff summaries require 1.5 or greater". Raises
+    /// "Invalid parameter not satisfying: originalPath != nil" (and
+    /// "originalRevision != nil", "modifiedPath != nil", "modifiedRevision !=
+    /// nil", "receiver != nil", "context != nil") and Subversion's errors.
+    static void summarizeOriginalAtPath(const Path& originalPath, const Revision& originalRevision,
+                                        const Path& modifiedPath, const Revision& modifiedRevision,
+                                        const LuSVNDiffOptions& options, const SummaryReceiver& receiver,
+                                        const Context& context);
+    /// The same for one location as it was at pegRevision, between
+    /// startRevision and endRevision (svn diff --summarize -r N:M
+    /// TARGET@PEG); "pegRevision != nil", "startRevision != nil" and
+    /// "endRevision != nil" in place of the two locations' assertions.
+    static void summarizePath(const Path& path, const Revision& pegRevision, const Revision& startRevision,
+                              const Revision& endRevision, const LuSVNDiffOptions& options,
+                              const SummaryReceiver& receiver, const Context& context);
 
 private:
     Sections sections_;

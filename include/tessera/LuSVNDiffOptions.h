@@ -15,6 +15,14 @@
 //   diffDeleted                 flag     true    the text of deleted files
 //                                        is shown; without it only their
 //                                        "Index: PATH (deleted)" header
+//   useGitDiffFormat            flag     false   git's extended headers
+//                                        (svn diff --git)
+//   propertiesOnly              flag     false   property changes alone
+//   showCopiesAsAdds            flag     false   a copied file shows its
+//                                        whole text as added
+//
+// The last three need Subversion 1.8 or newer in the diff between two
+// locations; older backends refuse them.
 //
 // The description is the generic one: "<LuSVNDiffOptions: 0x...>".
 #pragma once
@@ -50,6 +58,21 @@ public:
     bool diffDeleted() const { return diffDeleted_; }
     /// Sets diffDeleted.
     void setDiffDeleted(bool diffDeleted) { diffDeleted_ = diffDeleted; }
+    /// Whether the diff between two locations is written in git's format.
+    bool useGitDiffFormat() const { return useGitDiffFormat_; }
+    /// Sets useGitDiffFormat.
+    void setUseGitDiffFormat(bool useGitDiffFormat) { useGitDiffFormat_ = useGitDiffFormat; }
+    /// Whether the diff between two locations shows property changes only.
+    bool propertiesOnly() const { return propertiesOnly_; }
+    /// Sets propertiesOnly.
+    void setPropertiesOnly(bool propertiesOnly) { propertiesOnly_ = propertiesOnly; }
+    /// Whether a copied item is shown as an addition of its whole text
+    /// rather than as its changes against the copy source.
+    bool showCopiesAsAdds() const { return showCopiesAsAdds_; }
+    /// Sets showCopiesAsAdds.
+    void setShowCopiesAsAdds(bool showCopiesAsAdds) { showCopiesAsAdds_ = showCopiesAsAdds; }
+    /// Whether any option that only Subversion 1.8's diff knows is set.
+    bool needsNewerDiff() const { return useGitDiffFormat_ || propertiesOnly_ || showCopiesAsAdds_; }
 
     /// Subversion's file-diff options (svn_diff_file_options_create, through
     /// the backend on top of the calling thread's stack) in the pool, with
@@ -67,4 +90,7 @@ private:
     unsigned recursive_ : 1 = 1;
     bool noticeAncestry_ = true;
     bool diffDeleted_ = true;
+    bool useGitDiffFormat_ = false;
+    bool propertiesOnly_ = false;
+    bool showCopiesAsAdds_ = false;
 };

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 
 #include "LuSVNAssert.h"
@@ -209,10 +210,10 @@ private:
     std::thread copier_;
 };
 
-void writeLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+void traceLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
                        const LuSVNDiff::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
-                       const LuSVNDiff::Path& relativeToPath, const std::string& outputPath,
-                       const LuSVNDiffOptions& options, const LuSVNDiff::Context& context)
+                       const LuSVNDiff::Path& relativeToPath, const std::string& output,
+                       const LuSVNDiff::Context& context)
 {
     LUSVN_PARAMETER_ASSERT(originalPath != nullptr, "originalPath != nil");
     LUSVN_PARAMETER_ASSERT(originalRevision != nullptr, "originalRevision != nil");
@@ -224,10 +225,13 @@ void writeLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Rev
                 "options:withContext",
                 {"originalPath", originalPath->string()}, {"originalRevision", originalRevision->description()},
                 {"modifiedPath", modifiedPath->string()}, {"modifiedRevision", modifiedRevision->description()},
-                {"relativeToPath", relativeToPath ? relativeToPath->string() : "(null)"}, {"path", outputPath},
+                {"relativeToPath", relativeToPath ? relativeToPath->string() : "(null)"}, {"path", output},
                 {"context", context->description()});
-    LuSVNBackendFrame frame(context->bundle());
-    apr_pool_t* pool = frame.pool();
+}
+
+// The options svn diff takes with -x, as Subversion's diff calls read them.
+apr_array_header_t* extensionOptions(const LuSVNDiffOptions& options, apr_pool_t* pool)
+{
     apr_array_header_t* diffOptions = LuSVNEntry<11>()(pool, 0, sizeof(const char*));
     const auto addOption = [&](const char* option) {
         *static_cast<const char**>(LuSVNEntry<12>()(diffOptions)) = option;
@@ -238,6 +242,52 @@ void writeLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Rev
         addOption("--ignore-all-space");
     if (options.ignoreEOLStyle())
         addOption("--ignore-eol-style");
+    return diffOptions;
+}
+
+// Where an external diff program's complaints go, as svn sends them.
+svn_stream_t* errorStream(apr_pool_t* pool)
+{
+    return LuSVNAdaptOutputStream(LuSVNStdOutputStream::streamWithStream(std::cerr), pool);
+}
+
+// Subversion 1.8's diff writes to a Subversion stream, so the application's
+// stream is written on the calling thread.
+void writeNewerLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+                            const LuSVNDiff::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
+                            const LuSVNDiff::Path& relativeToPath, const std::shared_ptr<LuSVNOutputStream>& output,
+                            const LuSVNDiffOptions& options, const LuSVNDiff::Context& context)
+{
+    traceLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath, "(stream)",
+                      context);
+    LuSVNBackendFrame frame(context->bundle());
+    if (!tessera_private::LuSVNCurrentHasExtensionEntryPoint(4))
+        throw LuSVNException(
+            "Git diffs, properties-only diffs and copies shown as additions require 1.8 or greater");
+    apr_pool_t* pool = frame.pool();
+    const svn_opt_revision_t revision1 = originalRevision->SVNRevision();
+    const svn_opt_revision_t revision2 = modifiedRevision->SVNRevision();
+    svn_stream_t* stream = LuSVNAdaptOutputStream(output, pool);
+    context->throwIfError(LuSVNExtensionEntry<4>()(
+        extensionOptions(options, pool), originalPath->SVNRepresentationInPool(pool), &revision1,
+        modifiedPath->SVNRepresentationInPool(pool), &revision2,
+        relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
+        options.recursive() ? svn_depth_infinity : svn_depth_files, !options.noticeAncestry(), false,
+        !options.diffDeleted(), options.showCopiesAsAdds(), false, false, options.propertiesOnly(),
+        options.useGitDiffFormat(), LuSVNLocaleCharset, stream, errorStream(pool), nullptr, context->ctx(), pool));
+    LuSVNThrowIfError(LuSVNEntry<112>()(stream));
+}
+
+void writeLocationDiff(const LuSVNDiff::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+                       const LuSVNDiff::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
+                       const LuSVNDiff::Path& relativeToPath, const std::string& outputPath,
+                       const LuSVNDiffOptions& options, const LuSVNDiff::Context& context)
+{
+    traceLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath, outputPath,
+                      context);
+    LuSVNBackendFrame frame(context->bundle());
+    apr_pool_t* pool = frame.pool();
+    apr_array_header_t* diffOptions = extensionOptions(options, pool);
     const svn_opt_revision_t revision1 = originalRevision->SVNRevision();
     const svn_opt_revision_t revision2 = modifiedRevision->SVNRevision();
     const char* path1 = originalPath->SVNRepresentationInPool(pool);
@@ -404,6 +454,14 @@ void LuSVNDiff::compareOriginalAtPath(const Path& originalPath, const Revision& 
                                       const LuSVNDiffOptions& options, const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(outputPath != nullptr, "path != nil");
+    if (options.needsNewerDiff()) {
+        std::ofstream output(outputPath->string(), std::ios::binary | std::ios::trunc);
+        if (!output)
+            throw LuSVNException("Failed to create diff output file");
+        writeNewerLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
+                               LuSVNStdOutputStream::streamWithStream(output), options, context);
+        return;
+    }
     writeLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
                       outputPath->string(), options, context);
 }
@@ -415,8 +473,47 @@ void LuSVNDiff::compareOriginalAtPath(const Path& originalPath, const Revision& 
                                       const LuSVNDiffOptions& options, const Context& context)
 {
     LUSVN_PARAMETER_ASSERT(outputStream != nullptr, "outputStream != nil");
+    if (options.needsNewerDiff()) {
+        writeNewerLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
+                               outputStream, options, context);
+        return;
+    }
     PipeToStream pipe(outputStream);
     writeLocationDiff(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeToPath,
                       pipe.writePath(), options, context);
     pipe.finish();
+}
+
+void LuSVNDiff::compareAtPath(const Path& path, const Revision& pegRevision, const Revision& startRevision,
+                              const Revision& endRevision, const Path& relativeToPath,
+                              const std::shared_ptr<LuSVNOutputStream>& outputStream,
+                              const LuSVNDiffOptions& options, const Context& context)
+{
+    LUSVN_PARAMETER_ASSERT(path != nullptr, "path != nil");
+    LUSVN_PARAMETER_ASSERT(pegRevision != nullptr, "pegRevision != nil");
+    LUSVN_PARAMETER_ASSERT(startRevision != nullptr, "startRevision != nil");
+    LUSVN_PARAMETER_ASSERT(endRevision != nullptr, "endRevision != nil");
+    LUSVN_PARAMETER_ASSERT(outputStream != nullptr, "outputStream != nil");
+    LUSVN_PARAMETER_ASSERT(context != nullptr, "context != nil");
+    LUSVN_TRACE("LuSVNDiff", "compareAtPath:pegRevision:startRevision:endRevision:relativeToPath:outputStream:"
+                "options:context",
+                {"path", path->string()}, {"pegRevision", pegRevision->description()},
+                {"startRevision", startRevision->description()}, {"endRevision", endRevision->description()},
+                {"relativeToPath", relativeToPath ? relativeToPath->string() : "(null)"},
+                {"context", context->description()});
+    LuSVNBackendFrame frame(context->bundle());
+    if (!tessera_private::LuSVNCurrentHasExtensionEntryPoint(5))
+        throw LuSVNException("The peg form of the diff requires 1.8 or greater");
+    apr_pool_t* pool = frame.pool();
+    const svn_opt_revision_t peg = pegRevision->SVNRevision();
+    const svn_opt_revision_t start = startRevision->SVNRevision();
+    const svn_opt_revision_t end = endRevision->SVNRevision();
+    svn_stream_t* stream = LuSVNAdaptOutputStream(outputStream, pool);
+    context->throwIfError(LuSVNExtensionEntry<5>()(
+        extensionOptions(options, pool), path->SVNRepresentationInPool(pool), &peg, &start, &end,
+        relativeToPath ? relativeToPath->SVNRepresentationInPool(pool) : nullptr,
+        options.recursive() ? svn_depth_infinity : svn_depth_files, !options.noticeAncestry(), false,
+        !options.diffDeleted(), options.showCopiesAsAdds(), false, false, options.propertiesOnly(),
+        options.useGitDiffFormat(), LuSVNLocaleCharset, stream, errorStream(pool), nullptr, context->ctx(), pool));
+    LuSVNThrowIfError(LuSVNEntry<112>()(stream));
 }

@@ -8,8 +8,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "HistoryFixture.h"
@@ -284,13 +288,19 @@ TEST(LuSVNDiffTest, StreamFailureReachesTheCaller)
 {
     const auto& repository = HistoryRepository::shared();
     const auto url = LuSVNURL::URLWithString(repository.url());
-    try {
-        LuSVNDiff::compareOriginalAtPath(url, LuSVNRevision::revisionWithNumber(1), url,
-                                         LuSVNRevision::revisionWithNumber(6), nullptr,
-                                         std::make_shared<FailingStream>(), LuSVNDiffOptions(), repository.context());
-        FAIL() << "no exception";
-    } catch (const LuSVNException& exception) {
-        EXPECT_STREQ(exception.what(), "Unable to write data to output stream");
+    // Through the copying thread, and (git format) written by Subversion itself.
+    for (const bool git : {false, true}) {
+        SCOPED_TRACE(git ? "git format" : "plain");
+        LuSVNDiffOptions options;
+        options.setUseGitDiffFormat(git);
+        try {
+            LuSVNDiff::compareOriginalAtPath(url, LuSVNRevision::revisionWithNumber(1), url,
+                                             LuSVNRevision::revisionWithNumber(6), nullptr,
+                                             std::make_shared<FailingStream>(), options, repository.context());
+            ADD_FAILURE() << "no exception";
+        } catch (const LuSVNException& exception) {
+            EXPECT_STREQ(exception.what(), "Unable to write data to output stream");
+        }
     }
 }
 
@@ -315,6 +325,218 @@ TEST(LuSVNDiffTest, RelativePathsNeedTheNewerInterface)
     LuSVNDiff::compareOriginalAtPath(url, r1, url, r2, output, LuSVNDiffOptions::defaults(), repository.context());
     EXPECT_EQ(older, readFile(directory / "out.diff"));
     EXPECT_NE(older, "");
+}
+
+// "item props kind path" of each item of svn diff --summarize --xml, the path
+// relative to `target` and with %XX escapes of a URL undone.
+std::multiset<std::string> svnSummary(const std::vector<std::string>& arguments, const std::string& target)
+{
+    std::vector<std::string> command = {"diff", "--summarize", "--xml"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const std::string xml = tessera_history_test::svnOrThrow(command);
+    std::multiset<std::string> items;
+    const std::regex pathElement(R"(<path\s+([^>]*)>([^<]*)</path>)");
+    const std::regex attribute(R"re((\w+)="([^"]*)")re");
+    for (std::sregex_iterator at(xml.begin(), xml.end(), pathElement), end; at != end; ++at) {
+        std::map<std::string, std::string> attributes;
+        const std::string list = (*at)[1];
+        for (std::sregex_iterator a(list.begin(), list.end(), attribute); a != std::sregex_iterator(); ++a)
+            attributes[(*a)[1]] = (*a)[2];
+        std::string path;
+        const std::string shown = (*at)[2];
+        for (std::size_t i = 0; i < shown.size(); ++i) {
+            if (shown[i] == '%' && i + 2 < shown.size()) {
+                path += static_cast<char>(std::stoi(shown.substr(i + 1, 2), nullptr, 16));
+                i += 2;
+            } else {
+                path += shown[i];
+            }
+        }
+        path = path == target ? "" : path.substr(target.size() + 1);
+        items.insert(attributes["item"] + " " + attributes["props"] + " " + attributes["kind"] + " " + path);
+    }
+    return items;
+}
+
+std::string summaryLine(const LuSVNDiffSummary& item)
+{
+    const char* kinds[] = {"none", "file", "dir", "unknown"};
+    return LuSVNDiffSummary::wordFromKind(item.kind()) + " " + (item.propertiesChanged() ? "modified" : "none") +
+           " " + kinds[item.nodeKind()] + " " + item.path();
+}
+
+TEST(LuSVNDiffTest, SummariesListWhatSvnDiffSummarizeLists)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory directory;
+    const std::string wc = directory / "wc";
+    tessera_test::checkout(repository.url(), wc);
+    writeFile(wc + "/trunk/moved.txt", "changed\n");
+    writeFile(wc + "/trunk/new.txt", "new\n");
+    tessera_history_test::svnOrThrow({"add", "-q", wc + "/trunk/new.txt"});
+    tessera_history_test::svnOrThrow({"rm", "-q", wc + "/trunk/be.txt"});
+    tessera_history_test::svnOrThrow({"propset", "-q", "colour", "rot", wc + "/trunk"});
+    const std::string url = repository.url();
+    const auto revision = [](std::int32_t number) { return LuSVNRevision::revisionWithNumber(number); };
+    const auto at = [](const std::string& location) -> LuSVNPath::Path {
+        return location.find("://") != std::string::npos ? LuSVNPath::Path(LuSVNURL::URLWithString(location))
+                                                         : LuSVNPath::Path(localPath(location));
+    };
+    const struct {
+        const char* name;
+        std::string target;
+        std::shared_ptr<const LuSVNRevision> from, to, peg;  // peg set: the peg form
+        std::vector<std::string> svnArguments;
+        bool noticeAncestry = false;
+        bool recursive = true;
+    } cases[] = {
+        {"repository revisions", url, revision(1), revision(6), nullptr, {"-r", "1:6", url}},
+        {"a move and a copy", url + "/trunk", revision(3), revision(4), nullptr, {"-r", "3:4", url + "/trunk"}},
+        // r5 replaced trunk/bin.dat by a copy of the same bytes: no change
+        // unless ancestry counts.
+        {"a replacement as deletion and addition", url + "/trunk", revision(4), revision(5), nullptr,
+         {"--notice-ancestry", "-r", "4:5", url + "/trunk"}, true},
+        {"the peg form", url + "/trunk", revision(1), revision(2), LuSVNRevision::HEAD(),
+         {"-r", "1:2", url + "/trunk@HEAD"}},
+        {"local edits, additions, deletions and properties", wc, LuSVNRevision::BASE(), LuSVNRevision::WORKING(),
+         nullptr, {wc}},
+        {"the files of a directory only", wc + "/trunk", LuSVNRevision::BASE(), LuSVNRevision::WORKING(), nullptr,
+         {"--depth", "files", wc + "/trunk"}, false, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        LuSVNDiffOptions options;
+        options.setNoticeAncestry(c.noticeAncestry);
+        options.setRecursive(c.recursive);
+        std::multiset<std::string> items;
+        const auto receive = [&](const LuSVNDiffSummary& item) { items.insert(summaryLine(item)); };
+        if (c.peg)
+            LuSVNDiff::summarizePath(at(c.target), c.peg, c.from, c.to, options, receive, repository.context());
+        else
+            LuSVNDiff::summarizeOriginalAtPath(at(c.target), c.from, at(c.target), c.to, options, receive,
+                                               repository.context());
+        EXPECT_EQ(items, svnSummary(c.svnArguments, c.target));
+    }
+}
+
+TEST(LuSVNDiffTest, ReceiverExceptionStopsTheSummaryAndReachesTheCaller)
+{
+    const auto& repository = HistoryRepository::shared();
+    const auto url = LuSVNURL::URLWithString(repository.url());
+    int calls = 0;
+    try {
+        LuSVNDiff::summarizeOriginalAtPath(
+            url, LuSVNRevision::revisionWithNumber(0), url, LuSVNRevision::revisionWithNumber(6), LuSVNDiffOptions(),
+            [&](const LuSVNDiffSummary&) {
+                ++calls;
+                throw std::range_error("enough");
+            },
+            repository.context());
+        FAIL() << "no exception";
+    } catch (const std::range_error& exception) {
+        EXPECT_STREQ(exception.what(), "enough");
+    }
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(LuSVNDiffTest, NewerDiffsMatchSvnAndOlderBackendsRefuseThem)
+{
+    const auto& repository = HistoryRepository::shared();
+    tessera_test::TemporaryDirectory directory;
+    const std::string wc = directory / "wc";
+    tessera_test::checkout(repository.url(), wc);
+    tessera_history_test::svnOrThrow({"copy", "-q", wc + "/trunk/moved.txt", wc + "/trunk/copy.txt"});
+    writeFile(wc + "/trunk/copy.txt", "changed\n");
+    tessera_history_test::svnOrThrow({"propset", "-q", "colour", "rot", wc + "/trunk/le.txt"});
+    const auto url = LuSVNURL::URLWithString(repository.url());
+    const auto r1 = LuSVNRevision::revisionWithNumber(1), r6 = LuSVNRevision::revisionWithNumber(6);
+    const struct {
+        const char* name;
+        bool git, propertiesOnly, copiesAsAdds, local;
+        std::vector<std::string> svnArguments;
+    } cases[] = {
+        {"git format between revisions", true, false, false, false, {"--git", "-r", "1:6", repository.url()}},
+        {"properties only between revisions", false, true, false, false,
+         {"--properties-only", "-r", "1:6", repository.url()}},
+        {"git format of local changes", true, false, false, true, {"--git", wc}},
+        {"copies as additions", false, false, true, true, {"--show-copies-as-adds", wc}},
+        {"properties only of local changes", false, true, false, true, {"--properties-only", wc}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        LuSVNDiffOptions options;
+        options.setUseGitDiffFormat(c.git);
+        options.setPropertiesOnly(c.propertiesOnly);
+        options.setShowCopiesAsAdds(c.copiesAsAdds);
+        const LuSVNPath::Path path = c.local ? LuSVNPath::Path(localPath(wc)) : LuSVNPath::Path(url);
+        const auto from = c.local ? LuSVNRevision::BASE() : r1;
+        const auto to = c.local ? LuSVNRevision::WORKING() : r6;
+        std::vector<std::string> arguments = {"diff"};
+        arguments.insert(arguments.end(), c.svnArguments.begin(), c.svnArguments.end());
+        const std::string expected = tessera_history_test::svnOrThrow(arguments);
+        std::ostringstream stream;
+        LuSVNDiff::compareOriginalAtPath(path, from, path, to, nullptr, LuSVNStdOutputStream::streamWithStream(stream),
+                                         options, repository.context());
+        EXPECT_EQ(stream.str(), expected);
+        LuSVNDiff::compareOriginalAtPath(path, from, path, to, localPath(directory / "out.diff"), options,
+                                         repository.context());
+        EXPECT_EQ(readFile(directory / "out.diff"), expected);
+        try {
+            LuSVNDiff::compareOriginalAtPath(path, from, path, to, nullptr,
+                                             LuSVNStdOutputStream::streamWithStream(stream), options,
+                                             repository.context(TESSERA_TEST_BUNDLE_1_6_23));
+            ADD_FAILURE() << "a 1.6 backend wrote the diff";
+        } catch (const LuSVNException& exception) {
+            EXPECT_STREQ(exception.what(),
+                         "Git diffs, properties-only diffs and copies shown as additions require 1.8 or greater");
+        }
+    }
+    // Summaries came with 1.5.
+    std::set<std::string> byRelease[2];
+    const char* bundles[] = {TESSERA_TEST_BUNDLE_1_5_9, nullptr};
+    for (int index = 0; index < 2; ++index)
+        LuSVNDiff::summarizeOriginalAtPath(
+            url, r1, url, r6, LuSVNDiffOptions(),
+            [&](const LuSVNDiffSummary& item) { byRelease[index].insert(summaryLine(item)); },
+            repository.context(bundles[index]));
+    EXPECT_EQ(byRelease[0], byRelease[1]);
+    try {
+        LuSVNDiff::summarizePath(url, LuSVNRevision::HEAD(), r1, r6, LuSVNDiffOptions(),
+                                 [](const LuSVNDiffSummary&) {}, repository.context(TESSERA_TEST_BUNDLE_1_4_6));
+        FAIL() << "a 1.4 backend summarised";
+    } catch (const LuSVNException& exception) {
+        EXPECT_STREQ(exception.what(), "Diff summaries require 1.5 or greater");
+    }
+}
+
+TEST(LuSVNDiffTest, PegDiffFollowsTheLocationAsItWasAtThePeg)
+{
+    const auto& repository = HistoryRepository::shared();
+    // trunk/a.txt was moved away in r4: only its peg finds it.
+    const std::string file = repository.url() + "/trunk/a.txt";
+    const auto r1 = LuSVNRevision::revisionWithNumber(1), r2 = LuSVNRevision::revisionWithNumber(2);
+    for (const bool git : {false, true}) {
+        SCOPED_TRACE(git ? "git format" : "plain");
+        LuSVNDiffOptions options;
+        options.setUseGitDiffFormat(git);
+        std::vector<std::string> arguments = {"diff", "-r", "1:2", file + "@3"};
+        if (git)
+            arguments.push_back("--git");
+        std::ostringstream stream;
+        LuSVNDiff::compareAtPath(LuSVNURL::URLWithString(file), LuSVNRevision::revisionWithNumber(3), r1, r2, nullptr,
+                                 LuSVNStdOutputStream::streamWithStream(stream), options, repository.context());
+        EXPECT_EQ(stream.str(), tessera_history_test::svnOrThrow(arguments));
+        EXPECT_NE(stream.str(), "");
+    }
+    try {
+        std::ostringstream stream;
+        LuSVNDiff::compareAtPath(LuSVNURL::URLWithString(file), LuSVNRevision::revisionWithNumber(3), r1, r2, nullptr,
+                                 LuSVNStdOutputStream::streamWithStream(stream), LuSVNDiffOptions(),
+                                 repository.context(TESSERA_TEST_BUNDLE_1_6_23));
+        FAIL() << "a 1.6 backend wrote the diff";
+    } catch (const LuSVNException& exception) {
+        EXPECT_STREQ(exception.what(), "The peg form of the diff requires 1.8 or greater");
+    }
 }
 
 TEST(LuSVNDiffTest, CoalescingMergesRunsOfOneType)

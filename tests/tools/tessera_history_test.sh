@@ -206,6 +206,41 @@ same diff -c x
 same diff -x --nonsense
 same diff no-such-file
 
+# Summaries (their XML compared with attributes and paths sorted),
+# git's format, property changes alone and copies as additions, of local
+# edits with an added, a deleted and a copied file and a property change, and
+# between revisions of URLs.
+svn revert -q -R .
+svn copy -q trunk/b trunk/c
+printf 'new\n' > trunk/new
+svn add -q trunk/new
+svn delete -q "trunk/gr\303\274n.txt"
+svn propset -q colour red trunk/a
+printf 'edited\n' >> trunk/b
+for options in "" "-r 1:4" "-c 3" "-c 6" "--notice-ancestry -c 6" -N; do
+  # shellcheck disable=SC2086
+  same diff --summarize $options
+done
+same diff --summarize trunk
+same diff --summarize "$work/wc/trunk"
+same diff --summarize -r 1:HEAD "$repository/trunk"
+same diff --summarize -c 3 "$repository"
+same diff --summarize "$repository/trunk@1" "$repository/branch"
+normalise=xml_sorted
+same diff --summarize --xml
+same diff --summarize --xml -r 1:HEAD "$repository/trunk"
+normalise=cat
+same diff --xml
+same diff --summarize --git
+for options in --git --properties-only "--git --properties-only" --show-copies-as-adds "--git --show-copies-as-adds"; do
+  # shellcheck disable=SC2086
+  same diff $options
+  # shellcheck disable=SC2086
+  same diff $options -r 1:HEAD "$repository/trunk"
+  # shellcheck disable=SC2086
+  same diff $options -c 3 trunk
+done
+
 # Merged history (-g): the branch merged into trunk by an author with a long
 # name, and one of its revisions merged back out, in a working copy of their
 # own.

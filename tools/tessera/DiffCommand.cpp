@@ -1,7 +1,8 @@
 // tessera diff [TARGET...]: the changes of working-copy paths or URLs between
 // two revisions as a unified diff, as svn diff prints it. The library's diff
 // writes to standard output as Subversion produces the text, so a large
-// tree's diff is never held whole.
+// tree's diff is never held whole. --summarize lists the changed items
+// instead, as they arrive.
 #include <tessera/LuSVNDiff.h>
 #include <tessera/LuSVNDiffOptions.h>
 #include <tessera/Tessera.h>
@@ -32,6 +33,11 @@ struct Settings {
     bool nonRecursive = false;
     bool noticeAncestry = false;
     bool noDiffDeleted = false;
+    bool summarize = false;
+    bool xml = false;
+    bool git = false;
+    bool propertiesOnly = false;
+    bool showCopiesAsAdds = false;
 };
 
 // -c N is the change N-1:N, -c -N its reversal.
@@ -61,10 +67,15 @@ LuSVNNode::Path nodePath(const std::string& target)
     return isURL(target) ? LuSVNNode::Path(commandLineURL(target)) : LuSVNNode::Path(targetPath(target));
 }
 
-void writeDiff(const Side& original, const Side& modified, const LuSVNDiffOptions& options)
+void writeDiff(const Side& original, const Side& modified, const LuSVNDiffOptions& options, const Settings& settings)
 {
     const bool url = isURL(original.target);
     TesseraOperation operation(url ? original.target : absoluteTargetPath(original.target), {true, false});
+    if (settings.summarize) {
+        writeLocationSummary(nodePath(original.target), original.revision, nodePath(modified.target),
+                             modified.revision, original.target, settings.xml, options, operation.context());
+        return;
+    }
     // Paths in the headers as svn shows them: relative to the current
     // directory. Subversion refuses that for the working files of two
     // targets, whose headers then name the targets as given.
@@ -75,15 +86,9 @@ void writeDiff(const Side& original, const Side& modified, const LuSVNDiffOption
                       !url && !twoWorkingFiles, options, operation.context());
 }
 
-int diff(const Settings& settings)
+// The diff or summary of each target, or of --old against --new.
+void writeDiffs(const Settings& settings, const LuSVNDiffOptions& options)
 {
-    if (settings.revision && settings.change)
-        raiseArgumentError("Multiple revision arguments encountered; can't specify -c twice, or both -c and -r");
-    LuSVNDiffOptions options = diffOptionsForExtensions(settings.extensions);
-    options.setRecursive(!settings.nonRecursive);
-    options.setNoticeAncestry(settings.noticeAncestry);
-    options.setDiffDeleted(!settings.noDiffDeleted);
-
     // The revisions of -c or -r; a single -r N ends at the working files (or
     // HEAD for a URL).
     std::optional<LuSVNDiff::Revision> from;
@@ -122,9 +127,9 @@ int diff(const Settings& settings)
             const auto below = [&path](const Side& at) {
                 return Side{path.empty() ? at.target : at.target + "/" + path, at.revision};
             };
-            writeDiff(below(original), below(changed), options);
+            writeDiff(below(original), below(changed), options, settings);
         }
-        return 0;
+        return;
     }
 
     std::vector<std::string> targets = settings.arguments;
@@ -134,8 +139,30 @@ int diff(const Settings& settings)
         const Side original = side(target, from, base(target));
         if (isURL(original.target) && !from)
             LuSVNException::exceptionWithReason("Not all required revisions are specified", 195002)->raise();
-        writeDiff(original, {original.target, to ? *to : working(original.target)}, options);
+        writeDiff(original, {original.target, to ? *to : working(original.target)}, options, settings);
     }
+}
+
+int diff(const Settings& settings)
+{
+    if (settings.revision && settings.change)
+        raiseArgumentError("Multiple revision arguments encountered; can't specify -c twice, or both -c and -r");
+    LuSVNDiffOptions options = diffOptionsForExtensions(settings.extensions);
+    options.setRecursive(!settings.nonRecursive);
+    options.setNoticeAncestry(settings.noticeAncestry);
+    options.setDiffDeleted(!settings.noDiffDeleted);
+    options.setUseGitDiffFormat(settings.git);
+    options.setPropertiesOnly(settings.propertiesOnly);
+    options.setShowCopiesAsAdds(settings.showCopiesAsAdds);
+    if (settings.xml && !settings.summarize)
+        throwUsageError("diff", 205000, "'--xml' option only valid with '--summarize' option");
+    if (settings.git && settings.summarize)
+        throwUsageError("diff", 205000, "'--git' not valid with '--summarize' option");
+    if (settings.xml)
+        writeOutput("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<diff>\n<paths>\n");
+    writeDiffs(settings, options);
+    if (settings.xml)
+        writeOutput("</paths>\n</diff>\n");
     return 0;
 }
 
@@ -163,6 +190,12 @@ const TesseraCommand diffCommand(
         addFlag(command, "--notice-ancestry", settings->noticeAncestry,
                 "diff unrelated nodes as delete and add");
         addFlag(command, "--no-diff-deleted", settings->noDiffDeleted, "do not print differences for deleted files");
+        addFlag(command, "--summarize", settings->summarize, "show a summary of the results");
+        addFlag(command, "--xml", settings->xml, "output in XML (with --summarize)");
+        addFlag(command, "--git", settings->git, "use git's extended diff format");
+        addFlag(command, "--properties-only", settings->propertiesOnly, "show only properties during the operation");
+        addFlag(command, "--show-copies-as-adds", settings->showCopiesAsAdds,
+                "don't diff copied or moved files with their source");
         addOption(
             command, "--old", [settings](const std::string& text) { settings->old = text; },
             "use ARG as the older target");

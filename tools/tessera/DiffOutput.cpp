@@ -1,12 +1,14 @@
 #include "DiffOutput.h"
 
 #include <tessera/LuSVNStreams.h>
+#include <tessera/LuSVNURL.h>
 
 #include <cstdio>
 #include <string>
 
 #include "HistoryOptions.h"
 #include "Operation.h"
+#include "XMLText.h"
 
 namespace {
 
@@ -52,6 +54,36 @@ private:
     std::string pending_;
 };
 
+char kindCharacter(LuSVNDiffSummaryKind kind)
+{
+    switch (kind) {
+    case LuSVNDiffSummaryKindAdded: return 'A';
+    case LuSVNDiffSummaryKindModified: return 'M';
+    case LuSVNDiffSummaryKindDeleted: return 'D';
+    default: return ' ';
+    }
+}
+
+const char* nodeKindWord(LuSVNNodeKind kind)
+{
+    switch (kind) {
+    case LuSVNNodeKindFile: return "file";
+    case LuSVNNodeKindDirectory: return "dir";
+    case LuSVNNodeKindNone: return "none";
+    default: return "unknown";
+    }
+}
+
+// The item's path as svn shows it: below a URL escaped, below "." alone.
+std::string shownPath(const std::string& target, const std::string& path)
+{
+    if (path.empty())
+        return target;
+    if (isURL(target))
+        return commandLineURL(target)->pathByNormalizingAndAddingComponent(path)->string();
+    return target == "." ? path : target + "/" + path;
+}
+
 }  // namespace
 
 void writeLocationDiff(const LuSVNNode::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
@@ -65,4 +97,30 @@ void writeLocationDiff(const LuSVNNode::Path& originalPath, const LuSVNDiff::Rev
     LuSVNDiff::compareOriginalAtPath(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeTo,
                                      output, options, context);
     output->finish();
+}
+
+void writeLocationSummary(const LuSVNNode::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+                          const LuSVNNode::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
+                          const std::string& shownTarget, bool xml, const LuSVNDiffOptions& options,
+                          const std::shared_ptr<LuSVNContext>& context)
+{
+    const auto print = [&](const LuSVNDiffSummary& item) {
+        const std::string path = shownPath(shownTarget, item.path());
+        std::string out;
+        if (xml) {
+            appendXMLOpenTag(out, "path",
+                             {{"item", LuSVNDiffSummary::wordFromKind(item.kind())},
+                              {"props", item.propertiesChanged() ? "modified" : "none"},
+                              {"kind", nodeKindWord(item.nodeKind())}},
+                             true);
+            appendXMLData(out, path);
+            out += "</path>\n";
+        } else {
+            out = std::string(1, kindCharacter(item.kind())) + (item.propertiesChanged() ? 'M' : ' ') + "      " +
+                  path + "\n";
+        }
+        writeOutput(out);
+    };
+    LuSVNDiff::summarizeOriginalAtPath(originalPath, originalRevision, modifiedPath, modifiedRevision, options,
+                                       print, context);
 }

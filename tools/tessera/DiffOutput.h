@@ -1,5 +1,5 @@
 // The unified diff between two locations on standard output, as svn diff and
-// svn log --diff print it.
+// svn log --diff print it, and the summary of svn diff --summarize.
 #pragma once
 
 #include <tessera/LuSVNDiff.h>
@@ -7,6 +7,7 @@
 #include <tessera/LuSVNNode.h>
 
 #include <memory>
+#include <string>
 
 /// Writes the diff as the library makes it. With `relativeToCurrentDirectory`
 /// the paths in the headers are relative to the current directory, the
@@ -16,3 +17,11 @@ void writeLocationDiff(const LuSVNNode::Path& originalPath, const LuSVNDiff::Rev
                        const LuSVNNode::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
                        bool relativeToCurrentDirectory, const LuSVNDiffOptions& options,
                        const std::shared_ptr<LuSVNContext>& context);
+
+/// Prints each item that differs between the two locations as svn diff
+/// --summarize does ("M       path", or a <path> element with `xml`), its path
+/// the target as given (`shownTarget`) joined with the item's path.
+void writeLocationSummary(const LuSVNNode::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
+                          const LuSVNNode::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
+                          const std::string& shownTarget, bool xml, const LuSVNDiffOptions& options,
+                          const std::shared_ptr<LuSVNContext>& context);
