@@ -129,6 +129,11 @@ same log --diff -r 2:4 trunk
 same log --diff -l 3 "$repository/trunk"
 same log --diff -x -w -c 3
 same log --diff trunk/a
+# Followed back through copies: the branch's file before the branch was made,
+# and a file copied from another.
+same log --diff branch/a
+same log --diff "$repository/branch/a"
+same log --diff trunk/b
 normalise=xml_sorted
 same log --xml -v
 same log --xml -v -q "$repository/branch"

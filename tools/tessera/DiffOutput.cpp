@@ -4,6 +4,7 @@
 #include <tessera/LuSVNURL.h>
 
 #include <cstdio>
+#include <functional>
 #include <string>
 
 #include "HistoryOptions.h"
@@ -86,17 +87,42 @@ std::string shownPath(const std::string& target, const std::string& path)
 
 }  // namespace
 
+namespace {
+
+// Runs a unified diff into standard output, its paths relative to the
+// current directory when asked.
+void writeUnifiedDiff(bool relativeToCurrentDirectory,
+                      const std::function<void(const LuSVNNode::Path&, const std::shared_ptr<LuSVNOutputStream>&)>& diff)
+{
+    const LuSVNNode::Path relativeTo = relativeToCurrentDirectory ? LuSVNNode::Path(targetPath(".")) : nullptr;
+    auto output = std::make_shared<DeletedHeaderFilter>(relativeToCurrentDirectory ? absoluteTargetPath(".") + "/"
+                                                                                   : std::string());
+    diff(relativeTo, output);
+    output->finish();
+}
+
+}  // namespace
+
 void writeLocationDiff(const LuSVNNode::Path& originalPath, const LuSVNDiff::Revision& originalRevision,
                        const LuSVNNode::Path& modifiedPath, const LuSVNDiff::Revision& modifiedRevision,
                        bool relativeToCurrentDirectory, const LuSVNDiffOptions& options,
                        const std::shared_ptr<LuSVNContext>& context)
 {
-    const LuSVNNode::Path relativeTo = relativeToCurrentDirectory ? LuSVNNode::Path(targetPath(".")) : nullptr;
-    auto output = std::make_shared<DeletedHeaderFilter>(relativeToCurrentDirectory ? absoluteTargetPath(".") + "/"
-                                                                                   : std::string());
-    LuSVNDiff::compareOriginalAtPath(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeTo,
-                                     output, options, context);
-    output->finish();
+    writeUnifiedDiff(relativeToCurrentDirectory, [&](const LuSVNNode::Path& relativeTo, const auto& output) {
+        LuSVNDiff::compareOriginalAtPath(originalPath, originalRevision, modifiedPath, modifiedRevision, relativeTo,
+                                         output, options, context);
+    });
+}
+
+void writePegDiff(const LuSVNNode::Path& path, const LuSVNDiff::Revision& pegRevision,
+                  const LuSVNDiff::Revision& startRevision, const LuSVNDiff::Revision& endRevision,
+                  bool relativeToCurrentDirectory, const LuSVNDiffOptions& options,
+                  const std::shared_ptr<LuSVNContext>& context)
+{
+    writeUnifiedDiff(relativeToCurrentDirectory, [&](const LuSVNNode::Path& relativeTo, const auto& output) {
+        LuSVNDiff::compareAtPath(path, pegRevision, startRevision, endRevision, relativeTo, output, options,
+                                 context);
+    });
 }
 
 void writeLocationSummary(const LuSVNNode::Path& originalPath, const LuSVNDiff::Revision& originalRevision,

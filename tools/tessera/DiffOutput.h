@@ -18,6 +18,13 @@ void writeLocationDiff(const LuSVNNode::Path& originalPath, const LuSVNDiff::Rev
                        bool relativeToCurrentDirectory, const LuSVNDiffOptions& options,
                        const std::shared_ptr<LuSVNContext>& context);
 
+/// The same for one location found at its peg revision, between two
+/// revisions (svn diff -r N:M TARGET@PEG).
+void writePegDiff(const LuSVNNode::Path& path, const LuSVNDiff::Revision& pegRevision,
+                  const LuSVNDiff::Revision& startRevision, const LuSVNDiff::Revision& endRevision,
+                  bool relativeToCurrentDirectory, const LuSVNDiffOptions& options,
+                  const std::shared_ptr<LuSVNContext>& context);
+
 /// Prints each item that differs between the two locations as svn diff
 /// --summarize does ("M       path", or a <path> element with `xml`), its path
 /// the target as given (`shownTarget`) joined with the item's path.

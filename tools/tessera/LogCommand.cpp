@@ -197,9 +197,12 @@ void appendXML(std::string& out, const LuSVNLogItem& item, const std::optional<s
 }
 
 // With --diff, what each revision changed below the target, between
-// blank lines.
+// blank lines. The target is found at the log's peg revision and followed
+// back through copies, as svn does: a revision before the copy that made
+// the target's path diffs the path the target had then.
 struct RevisionDiffs {
     LuSVNNode::Path target;
+    LuSVNDiff::Revision peg;
     bool workingCopy;
     LuSVNDiffOptions options;
     std::shared_ptr<LuSVNContext> context;
@@ -207,8 +210,8 @@ struct RevisionDiffs {
     void write(std::int32_t revision) const
     {
         writeOutput("\n");
-        writeLocationDiff(target, LuSVNRevision::revisionWithNumber(revision - 1), target,
-                          LuSVNRevision::revisionWithNumber(revision), workingCopy, options, context);
+        writePegDiff(target, peg, LuSVNRevision::revisionWithNumber(revision - 1),
+                     LuSVNRevision::revisionWithNumber(revision), workingCopy, options, context);
         writeOutput("\n");
     }
 };
@@ -326,7 +329,8 @@ int log(const Settings& settings)
         // it, and deleted files show their header alone.
         diffOptions.setNoticeAncestry(false);
         diffOptions.setDiffDeleted(false);
-        diffs = RevisionDiffs{path, !url, diffOptions, operation.context()};
+        diffs = RevisionDiffs{path, peg ? peg->keyRevision() : url ? LuSVNRevision::HEAD() : LuSVNRevision::WORKING(),
+                              !url, diffOptions, operation.context()};
     }
     LuSVNNode::readLogForNodeAtPath(path, std::make_shared<Printer>(settings, std::move(diffs)), options,
                                     operation.context());
