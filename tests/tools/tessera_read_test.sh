@@ -123,4 +123,12 @@ twin_step export @URL@/trunk/nothing out4
 twin_step export
 twin_step export --ignore-externals @URL@/trunk "out five"
 
+# A full disk: svn's write error and exit status, even for output that
+# fits in the buffer until the end.
+twin_output=/dev/full
+twin_step info wc
+twin_step list -R @URL@
+twin_step cat @URL@/trunk/a.txt
+twin_output=
+
 twin_finish

@@ -138,7 +138,12 @@ twin_run() {
   done
   shift "$count"
   status=0
-  (cd "$work/$side" && "$program" "$@") >"$work/$side.raw" 2>&1 </dev/null || status=$?
+  if [ -n "${twin_output:-}" ]; then
+    # Standard output elsewhere (twin_output=/dev/full); only errors compared.
+    (cd "$work/$side" && "$program" "$@") >"$twin_output" 2>"$work/$side.raw" </dev/null || status=$?
+  else
+    (cd "$work/$side" && "$program" "$@") >"$work/$side.raw" 2>&1 </dev/null || status=$?
+  fi
   twin_mask <"$work/$side.raw" | twin_sort_items >"$work/$side.out"
   echo "$status" >"$work/$side.status"
 }

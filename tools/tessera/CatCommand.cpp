@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "HistoryOptions.h"
 #include "Messages.h"
 #include "Operation.h"
 #include "Options.h"
@@ -56,8 +57,7 @@ int cat(const CLI::App& command, const Settings& settings)
         TesseraOperation operation(target.isURL ? target.text : absoluteTargetPath(target.text), {true, false});
         failures.attempt([&] { LuSVNFile::catRevision(target.revision, target.path, output, operation.context()); });
     }
-    if (std::fflush(stdout) != 0)
-        LuSVNException::exceptionWithReason(std::string("Write error: ") + std::strerror(errno), 1)->raise();
+    flushOutput("Can't write to stream");  // svn's cat writes through a stream
     failures.raiseIfAny();
     return 0;
 }

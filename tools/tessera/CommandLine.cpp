@@ -11,6 +11,7 @@
 
 #include "Authentication.h"
 #include "Command.h"
+#include "HistoryOptions.h"
 #include "Messages.h"
 #include "Options.h"
 
@@ -222,7 +223,11 @@ int runTessera(int argc, char** argv)
         LuSVNInitialize();
         completeAuthenticationSettings(tesseraGlobalSettings());
         try {
-            return parsed.action();
+            const int status = parsed.action();
+            // Output still buffered goes out now, so that a failure to write
+            // it is reported as svn reports it instead of lost at exit.
+            flushOutput();
+            return status;
         } catch (const TesseraOptionValueError&) {
             throw;
         } catch (const LuSVNException& failure) {

@@ -73,8 +73,25 @@ void raiseArgumentError(const std::string& message)
     throwOptionValueError({{TesseraArgumentParsingError, message}});
 }
 
+namespace {
+
+void raiseWriteError(const std::string& failure)
+{
+    // svn's code is the system's error number: E000028 for a full disk.
+    const int error = errno;
+    LuSVNException::exceptionWithReason(failure + ": " + std::strerror(error), error)->raise();
+}
+
+}  // namespace
+
 void writeOutput(const std::string& text)
 {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
-        LuSVNException::exceptionWithReason(std::string("Write error: ") + std::strerror(errno), 1)->raise();
+        raiseWriteError("Write error");
+}
+
+void flushOutput(const std::string& failure)
+{
+    if (std::fflush(stdout) != 0)
+        raiseWriteError(failure);
 }

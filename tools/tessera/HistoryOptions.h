@@ -41,3 +41,8 @@ LuSVNDiffOptions diffOptionsForExtensions(const std::optional<std::string>& exte
 /// Writes the text to standard output; a failed write raises svn's "Write
 /// error".
 void writeOutput(const std::string& text);
+
+/// Sends what standard output still buffers, raising svn's "Write error:
+/// ..." (or another text before the system's reason) when that fails (a full
+/// disk, a closed pipe).
+void flushOutput(const std::string& failure = "Write error");
